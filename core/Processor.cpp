@@ -1,0 +1,276 @@
+#include "core/Processor.h"
+
+namespace Orv::Audio::Plugins::Halvane
+{
+namespace
+{
+    constexpr int threeBytes = 3;
+    constexpr uint8_t firstSystemStatus = 0xF0;
+    constexpr uint8_t channelMask = 0xF0;
+    constexpr uint8_t noteOnOrOffMask = 0xE0;
+    constexpr uint8_t noteOffStatus = 0x80;
+    constexpr uint8_t controllerStatus = 0xB0;
+    constexpr uint8_t sustainPedal = 0x40;
+    constexpr double minimumTempo = 1.0;
+    constexpr double fallbackTempo = 100.0;
+
+    // Claims beyond this many handlers for one event are dropped rather than
+    // grow the list on the audio thread.
+    constexpr size_t maxMatchedHandlers = 128;
+
+    bool isNoteOrSustain (const uint8_t* data)
+    {
+        const auto status = data[0];
+        if ((status & noteOnOrOffMask) == noteOffStatus)
+            return true;
+        return (status & channelMask) == controllerStatus && data[1] == sustainPedal;
+    }
+} // namespace
+
+//==============================================================================
+Processor::Processor()
+    : Orv::Audio::Plugin::Processor<State> ("Halvane", makeStereoBuses())
+{
+    transport = &state->transport;
+
+    for (auto* buffer : { &scratchMidi, &threeByteMidi, &noteMidi, &otherMidi, &chunkOutMidi, &chunkInMidi })
+        reserve (*buffer);
+
+    matchedHandlers.reserve (maxMatchedHandlers);
+
+    // Every change of the handler list reaches the block as a fresh copy.
+    learnStateListener.setCallback ([this] { publishLearnState(); });
+    learnSource.getBroadcaster().add (learnStateListener);
+    publishLearnState();
+
+    transport->position.store (0.0);
+    transport->running.store (true);
+}
+
+Processor::~Processor() = default;
+
+void Processor::publishLearnState() { learnState.push (learnSource); }
+
+//==============================================================================
+void Processor::prepareToPlay (double sampleRate, int samplesPerBlock)
+{
+    internalPlayHead.prepare (sampleRate, samplesPerBlock);
+    midiProcessor.prepare (sampleRate, samplesPerBlock);
+    transport->running.store (true);
+}
+
+void Processor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
+{
+    const juce::ScopedNoDenormals noDenormals;
+
+    if (! buffer.hasBeenCleared())
+        buffer.clear();
+
+    // A mono output is not a layout this instrument plays into: leave the
+    // host's MIDI as it came and do not advance.
+    if (buffer.getNumChannels() < 2)
+        return;
+
+    const auto numSamples = buffer.getNumSamples();
+
+    acquireSnapshots();
+    followHostTempo();
+    runClock (numSamples);
+    publishClock();
+    injectQueuedMessages (midi);
+
+    const PlayHeadTransportView blockView (internalPlayHead, 0, numSamples);
+
+    keepThreeByteEvents (midi);
+    foldToChannelOne (midi);
+    splitNotesFromOthers (midi);
+    runLearnAndChunks (midi, numSamples, blockView);
+    mergeOtherEvents (midi);
+    foldToChannelOne (midi);
+
+    if (isMidiEffect())
+        return;
+
+    renderAudio (buffer, midi);
+}
+
+//==============================================================================
+void Processor::acquireSnapshots()
+{
+    // The learn state is taken where its loop runs; pattern slots join here.
+}
+
+void Processor::followHostTempo()
+{
+    if (auto* host = getPlayHead())
+        if (const auto position = host->getPosition())
+            if (const auto bpm = position->getBpm(); bpm.hasValue() && *bpm >= minimumTempo)
+                transport->tempo.store (static_cast<float> (*bpm));
+}
+
+bool Processor::useInternalClock (const juce::Optional<juce::AudioPlayHead::PositionInfo>& hostPosition) const
+{
+    if (! hostPosition.hasValue())
+        return true;
+    if (! state->filePlayerActive.load() && ! hostPosition->getIsPlaying())
+        return true;
+    return transport->forceInternalClock.load();
+}
+
+void Processor::runClock (int numSamples)
+{
+    auto* host = getPlayHead();
+    const auto hostPosition = host != nullptr ? host->getPosition()
+                                              : juce::Optional<juce::AudioPlayHead::PositionInfo>();
+
+    if (useInternalClock (hostPosition))
+    {
+        transport->running.store (true);
+
+        auto& info = internalPlayHead.getInfo();
+        info.setBpm (static_cast<double> (transport->tempo.load()));
+        info.setIsPlaying (transport->running.load());
+        info.setPpqPosition (transport->position.load());
+
+        const auto ownTime = info.getTimeInSamples().orFallback (0);
+        const auto wanted = transport->sampleTime.load();
+        if (ownTime != wanted)
+        {
+            info.setTimeInSamples (wanted);
+            internalPlayHead.requestJump();
+        }
+
+        internalPlayHead.update (nullptr, numSamples);
+        return;
+    }
+
+    internalPlayHead.update (host, numSamples);
+
+    const auto tempo = internalPlayHead.getInfo().getBpm().orFallback (fallbackTempo);
+    if (tempo >= minimumTempo)
+        transport->tempo.store (static_cast<float> (tempo));
+    transport->running.store (internalPlayHead.getInfo().getIsPlaying());
+}
+
+void Processor::publishClock()
+{
+    transport->position.store (internalPlayHead.getBlockEndPpq());
+    transport->sampleTime.store (internalPlayHead.getInfo().getTimeInSamples().orFallback (0));
+}
+
+void Processor::injectQueuedMessages (juce::MidiBuffer&)
+{
+    // Pads' keyswitch notes are queued here by the pattern slots; none yet.
+}
+
+//==============================================================================
+void Processor::keepThreeByteEvents (juce::MidiBuffer& midi)
+{
+    reserve (threeByteMidi);
+    threeByteMidi.clear();
+
+    for (const auto event : midi)
+        if (event.numBytes == threeBytes)
+            threeByteMidi.addEvent (event.data, threeBytes, event.samplePosition);
+
+    midi.swapWith (threeByteMidi);
+}
+
+void Processor::foldToChannelOne (juce::MidiBuffer& midi)
+{
+    reserve (scratchMidi);
+    scratchMidi.clear();
+
+    for (const auto event : midi)
+    {
+        uint8_t bytes[threeBytes] = { event.data[0], event.data[1], event.data[2] };
+        if (bytes[0] < firstSystemStatus)
+            bytes[0] &= channelMask;
+        scratchMidi.addEvent (bytes, threeBytes, event.samplePosition);
+    }
+
+    midi.swapWith (scratchMidi);
+}
+
+void Processor::splitNotesFromOthers (juce::MidiBuffer& midi)
+{
+    reserve (noteMidi);
+    reserve (otherMidi);
+    noteMidi.clear();
+    otherMidi.clear();
+
+    for (const auto event : midi)
+        (isNoteOrSustain (event.data) ? noteMidi : otherMidi).addEvent (event.data, threeBytes, event.samplePosition);
+
+    midi.swapWith (noteMidi);
+}
+
+void Processor::runLearnAndChunks (const juce::MidiBuffer& midi, int numSamples, const PlayHeadTransportView& view)
+{
+    using Mode = Midi::Learn::LearnerInterface::Mode;
+
+    reserve (chunkOutMidi);
+    reserve (chunkInMidi);
+    chunkOutMidi.clear();
+    chunkInMidi.clear();
+
+    const auto& learn = learnState.acquire();
+    int done = 0;
+
+    for (const auto event : midi)
+    {
+        const auto t = event.samplePosition;
+        // Three-byte messages live in the message's inline storage: no allocation.
+        const juce::MidiMessage message (event.data, event.numBytes, 0.0);
+        const auto mode = learn.learner != nullptr ? learn.learner->mode.load() : Mode::idle;
+
+        if (mode == Mode::captured)
+        {
+            chunkInMidi.addEvent (message, t);
+            continue;
+        }
+
+        if (mode == Mode::armed)
+        {
+            learn.learner->capture (message);
+            chunkInMidi.addEvent (message, t);
+            continue;
+        }
+
+        matchedHandlers.clear();
+        for (const auto& handler : learn.handlers)
+            if (handler->matches (message) && matchedHandlers.size() < matchedHandlers.capacity())
+                matchedHandlers.push_back (handler.get());
+
+        if (matchedHandlers.empty())
+        {
+            chunkInMidi.addEvent (message, t);
+            continue;
+        }
+
+        // Whatever came before the claimed event must have played before the
+        // handler changes anything, e.g. the pattern in force.
+        done += midiProcessor.processChunk (done, t, chunkInMidi, chunkOutMidi, view);
+
+        for (auto* handler : matchedHandlers)
+            handler->handle (message);
+    }
+
+    midiProcessor.processChunk (done, numSamples, chunkInMidi, chunkOutMidi, view);
+}
+
+void Processor::mergeOtherEvents (juce::MidiBuffer& midi)
+{
+    for (const auto event : otherMidi)
+        chunkOutMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+
+    midi.swapWith (chunkOutMidi);
+}
+
+void Processor::renderAudio (juce::AudioBuffer<float>&, const juce::MidiBuffer&)
+{
+    // Synth, delay, mix and master gain render here once they exist. With
+    // nothing rendered the meter reads silence.
+    state->level.store (0.0f);
+}
+} // namespace Orv::Audio::Plugins::Halvane
