@@ -1,0 +1,188 @@
+#include "core/GUIToRealTime.h"
+
+#include "support/AllocationCounter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace
+{
+using Ring = Orv::GUIToRealTime<int>;
+constexpr int ringSize = 5;
+
+TEST (GUIToRealTime, ReaderFindsTheDefaultValueBeforeAnyPush)
+{
+    Orv::GUIToRealTime<std::vector<int>> ring;
+    EXPECT_TRUE (ring.acquire().empty());
+}
+
+TEST (GUIToRealTime, ThreePushesBetweenReadsDeliverTheThird)
+{
+    Ring ring;
+    ring.push (1);
+    EXPECT_EQ (ring.acquire(), 1);
+
+    ring.push (2);
+    ring.push (3);
+    ring.push (4);
+    EXPECT_EQ (ring.acquire(), 4);
+    EXPECT_EQ (ring.current(), 4);
+}
+
+TEST (GUIToRealTime, AnyNumberOfPushesBetweenReadsDeliversTheLast)
+{
+    // Some of these counts make the writer skip the held entry on its way.
+    for (int numPushes = 1; numPushes <= 3 * ringSize; ++numPushes)
+    {
+        Ring ring;
+        ring.acquire();
+        for (int i = 1; i <= numPushes; ++i)
+            ring.push (i);
+        EXPECT_EQ (ring.acquire(), numPushes) << numPushes << " pushes";
+    }
+}
+
+TEST (GUIToRealTime, HeldValueSurvivesTheWriterLappingTheRing)
+{
+    Ring ring;
+    ring.push (100);
+    const auto& held = ring.acquire();
+
+    for (int i = 0; i < 3 * ringSize; ++i)
+        ring.push (i);
+
+    EXPECT_EQ (held, 100);
+    EXPECT_EQ (ring.current(), 100);
+    EXPECT_EQ (ring.acquire(), 3 * ringSize - 1);
+}
+
+TEST (GUIToRealTime, WriterAboutToWriteTheHeldEntrySkipsToTheNext)
+{
+    Ring ring;
+    ring.push (7);
+    ring.acquire();
+    const auto held = ring.getReadIndex();
+
+    while (ring.getWriteIndex() != held)
+        ring.push (0);
+
+    ring.push (8);
+    EXPECT_EQ (ring.current(), 7);
+    EXPECT_EQ (ring.getWriteIndex(), (held + 2) % ringSize);
+
+    EXPECT_EQ (ring.acquire(), 8);
+    EXPECT_EQ (ring.getReadIndex(), (held + 1) % ringSize);
+}
+
+TEST (GUIToRealTime, AcquireAtIndexZeroWrapsToTheLastEntry)
+{
+    Ring ring; // the default value sits in entry 0, write index 1
+    for (int i = 1; i < ringSize; ++i)
+        ring.push (i);
+
+    ASSERT_EQ (ring.getWriteIndex(), 0);
+    EXPECT_EQ (ring.acquire(), ringSize - 1);
+    EXPECT_EQ (ring.getReadIndex(), ringSize - 1);
+}
+
+TEST (GUIToRealTime, PushFuncPushesItsCopyWhenCalled)
+{
+    Ring ring;
+    int value = 5;
+    auto push = ring.getPushFunc (value);
+    value = 6;
+
+    EXPECT_EQ (ring.acquire(), 0);
+    push();
+    EXPECT_EQ (ring.acquire(), 5);
+}
+
+TEST (GUIToRealTime, ReaderSideAllocatesNothing)
+{
+    Orv::GUIToRealTime<std::vector<float>> ring;
+    ring.push (std::vector<float> (1000, 1.0f));
+
+    size_t size = 0;
+    Orv::Testing::AllocationCounter counter;
+    size += ring.acquire().size();
+    size += ring.current().size();
+    EXPECT_EQ (counter.getCount(), 0);
+    EXPECT_EQ (size, 2000u);
+}
+
+//==============================================================================
+/** Written field by field, so a half-written one has fields that differ. */
+struct Snapshot
+{
+    static constexpr size_t numFields = 64;
+    std::array<int, numFields> fields {};
+
+    bool isWhole() const
+    {
+        return std::all_of (fields.begin(), fields.end(), [this] (int f) { return f == fields[0]; });
+    }
+};
+
+TEST (GUIToRealTime, ConcurrentReaderNeverSeesAHalfWrittenOrChangingValue)
+{
+    constexpr int numReads = 3000;
+    constexpr int minPushesWhileHolding = ringSize + 1; // enough to lap the ring
+    constexpr int maxSpinsWhileHolding = 100000;
+
+    Orv::GUIToRealTime<Snapshot> ring;
+    std::atomic<bool> readerAcquiring { false }, done { false };
+    std::atomic<int> pushes { 0 };
+
+    // The gate keeps the writer out of the reader's two-step acquire (a real
+    // message thread is far too slow to lap the ring in there), while letting
+    // it lap the ring freely while the reader holds an entry.
+    std::thread writer ([&] {
+        Snapshot s;
+        for (int seq = 1; ! done.load(); ++seq)
+        {
+            if (readerAcquiring.load())
+            {
+                std::this_thread::yield();
+                continue;
+            }
+            s.fields.fill (seq);
+            ring.push (s);
+            ++pushes;
+        }
+    });
+
+    int torn = 0, changedWhileHeld = 0, wentBackwards = 0, lastSeq = 0;
+
+    for (int i = 0; i < numReads; ++i)
+    {
+        readerAcquiring = true;
+        const auto& held = ring.acquire();
+        readerAcquiring = false;
+
+        const auto copy = held;
+        torn += copy.isWhole() ? 0 : 1;
+        wentBackwards += copy.fields[0] < lastSeq ? 1 : 0;
+        lastSeq = copy.fields[0];
+
+        const auto pushesBefore = pushes.load();
+        for (int spin = 0; spin < maxSpinsWhileHolding && pushes.load() - pushesBefore < minPushesWhileHolding; ++spin)
+            std::this_thread::yield();
+
+        torn += held.isWhole() ? 0 : 1;
+        changedWhileHeld += held.fields == copy.fields ? 0 : 1;
+    }
+
+    done = true;
+    writer.join();
+
+    EXPECT_EQ (torn, 0);
+    EXPECT_EQ (changedWhileHeld, 0);
+    EXPECT_EQ (wentBackwards, 0);
+    EXPECT_GE (pushes.load(), numReads);
+}
+} // namespace
