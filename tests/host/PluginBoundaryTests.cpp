@@ -34,9 +34,9 @@ TEST (PluginBoundary, AnswersTheHostAsAStereoMidiInstrument)
     EXPECT_EQ (plugin.getBus (true, 0)->getCurrentLayout(), juce::AudioChannelSet::stereo());
     EXPECT_EQ (plugin.getBus (false, 0)->getCurrentLayout(), juce::AudioChannelSet::stereo());
 
-    EXPECT_EQ (plugin.getNumPrograms(), 1);
-    EXPECT_EQ (plugin.getCurrentProgram(), 0);
-    EXPECT_TRUE (plugin.getProgramName (0).isEmpty());
+    // One program: VST3 publishes a program list only for more than one, so a
+    // host sees none rather than a nameless entry.
+    EXPECT_EQ (plugin.getNumPrograms(), 0);
 
     const auto description = plugin.getPluginDescription();
     EXPECT_TRUE (description.isInstrument);

@@ -1,0 +1,366 @@
+#include "core/Processor.h"
+#include "core/WithEditor.h"
+#include "editor/Editor.h"
+#include "support/AllocationCounter.h"
+
+#include <gtest/gtest.h>
+
+using Orv::Audio::Plugins::Halvane::Processor;
+
+namespace
+{
+constexpr double sampleRate = 48000.0;
+constexpr int blockSize = 512;
+
+class HostClock : public juce::AudioPlayHead
+{
+public:
+    juce::Optional<PositionInfo> getPosition() const override { return info; }
+
+    void set (bool playing, double ppq, int64_t time, double bpm = 120.0)
+    {
+        PositionInfo p;
+        p.setIsPlaying (playing);
+        p.setPpqPosition (ppq);
+        p.setTimeInSamples (time);
+        p.setBpm (bpm);
+        info = p;
+    }
+
+    juce::Optional<PositionInfo> info;
+};
+
+struct Event
+{
+    std::vector<uint8_t> bytes;
+    int position;
+};
+
+std::vector<Event> eventsOf (const juce::MidiBuffer& buffer)
+{
+    std::vector<Event> result;
+    for (const auto m : buffer)
+        result.push_back ({ std::vector<uint8_t> (m.data, m.data + m.numBytes), m.samplePosition });
+    return result;
+}
+
+/** A processor prepared for stereo blocks, with a host clock of the test's. */
+struct Fixture
+{
+    Fixture()
+    {
+        processor.setPlayHead (&clock);
+        processor.prepareToPlay (sampleRate, blockSize);
+        audio.setSize (2, blockSize);
+    }
+
+    std::vector<Event> run (const juce::MidiBuffer& in, int numSamples = blockSize)
+    {
+        audio.setSize (audio.getNumChannels(), numSamples, false, false, true);
+        midi = in;
+        processor.processBlock (audio, midi);
+        return eventsOf (midi);
+    }
+
+    HostClock clock;
+    Processor processor;
+    juce::AudioBuffer<float> audio;
+    juce::MidiBuffer midi;
+};
+
+/** Claims one note number and records what it was handed, and what the note
+    path had produced by the time it was called. */
+class RecordingHandler : public Orv::Midi::Learn::Handler
+{
+public:
+    // Room reserved up front: the handler runs inside counted blocks.
+    explicit RecordingHandler (int n) : note (n) { handled.reserve (1024); }
+
+    bool matches (const juce::MidiMessage& m) override { return (m.isNoteOnOrOff()) && m.getNoteNumber() == note; }
+    void handle (const juce::MidiMessage& m) override { handled.push_back (m); }
+
+    int note;
+    std::vector<juce::MidiMessage> handled;
+};
+
+class TestLearner : public Orv::Midi::Learn::LearnerInterface
+{
+public:
+    bool learn() override { return true; }
+};
+} // namespace
+
+//==============================================================================
+TEST (ProcessorAnswers, OneNamelessProgramAndNoTail)
+{
+    Processor processor;
+    EXPECT_EQ (processor.getName(), "Halvane");
+    EXPECT_EQ (processor.getNumPrograms(), 1);
+    EXPECT_EQ (processor.getCurrentProgram(), 0);
+    processor.setCurrentProgram (3);
+    EXPECT_EQ (processor.getCurrentProgram(), 0);
+    EXPECT_TRUE (processor.getProgramName (0).isEmpty());
+    EXPECT_FALSE (processor.supportsMPE());
+    EXPECT_EQ (processor.getTailLengthSeconds(), 0.0);
+}
+
+//==============================================================================
+TEST (ProcessorMidi, KeepsOnlyThreeByteEventsAndFoldsEverythingToChannelOne)
+{
+    Fixture f;
+    juce::MidiBuffer in;
+    const uint8_t sysex[] = { 0xF0, 0x43, 0x12, 0x00, 0xF7 };
+    in.addEvent (sysex, sizeof (sysex), 3);
+    in.addEvent (juce::MidiMessage::programChange (5, 7), 4); // two bytes: dropped
+    in.addEvent (juce::MidiMessage::controllerEvent (9, 7, 100), 11);
+    in.addEvent (juce::MidiMessage::pitchWheel (16, 9000), 200);
+    in.addEvent (juce::MidiMessage::aftertouchChange (3, 60, 55), 301);
+
+    const auto out = f.run (in);
+
+    ASSERT_EQ (out.size(), 3u);
+    EXPECT_EQ (out[0].bytes, (std::vector<uint8_t> { 0xB0, 7, 100 }));
+    EXPECT_EQ (out[0].position, 11);
+    EXPECT_EQ (out[1].bytes[0], 0xE0);
+    EXPECT_EQ (out[1].position, 200);
+    EXPECT_EQ (out[2].position, 301);
+}
+
+TEST (ProcessorMidi, ControllersAndPitchBendKeepTheirSamplePositionsBesideNotes)
+{
+    Fixture f;
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::noteOn (2, 60, (uint8_t) 100), 5);
+    in.addEvent (juce::MidiMessage::controllerEvent (2, 64, 127), 6);
+    in.addEvent (juce::MidiMessage::controllerEvent (2, 1, 64), 7);
+    in.addEvent (juce::MidiMessage::pitchWheel (2, 100), 480);
+    in.addEvent (juce::MidiMessage::noteOff (2, 60), 500);
+
+    const auto out = f.run (in);
+    std::vector<int> positions;
+    for (const auto& e : out)
+        if (e.bytes[0] == 0xB0 && e.bytes[1] == 1)
+            positions.push_back (e.position);
+        else if (e.bytes[0] == 0xE0)
+            positions.push_back (e.position);
+    EXPECT_EQ (positions, (std::vector<int> { 7, 480 }));
+    for (const auto& e : out)
+        EXPECT_EQ (e.bytes[0] & 0x0F, 0) << "event at " << e.position;
+}
+
+TEST (ProcessorMidi, MonoBufferLeavesMidiUntouchedAndTheClockStill)
+{
+    Fixture f;
+    f.audio.setSize (1, blockSize);
+    f.clock.set (true, 4.0, 96000);
+    juce::MidiBuffer in;
+    const uint8_t sysex[] = { 0xF0, 0x01, 0xF7 };
+    in.addEvent (sysex, sizeof (sysex), 1);
+    in.addEvent (juce::MidiMessage::noteOn (7, 60, (uint8_t) 90), 2);
+
+    const auto before = f.processor.getState().transport.position.load();
+    const auto out = f.run (in);
+
+    ASSERT_EQ (out.size(), 2u);
+    EXPECT_EQ (out[0].bytes.size(), sizeof (sysex));
+    EXPECT_EQ (out[1].bytes[0], 0x96);
+    EXPECT_EQ (f.processor.getState().transport.position.load(), before);
+}
+
+TEST (ProcessorMidi, ZeroSampleBlockRunsEveryStage)
+{
+    Fixture f;
+    f.clock.set (true, 0.0, 0);
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::controllerEvent (4, 10, 1), 0);
+    const auto out = f.run (in, 0);
+    ASSERT_EQ (out.size(), 1u);
+    EXPECT_EQ (out[0].bytes[0], 0xB0);
+}
+
+//==============================================================================
+TEST (ProcessorClock, HostPlayingDrivesTheTransport)
+{
+    Fixture f;
+    f.clock.set (true, 8.0, 48000, 150.0);
+    f.run ({});
+    auto& transport = f.processor.getState().transport;
+    EXPECT_FLOAT_EQ (transport.tempo.load(), 150.0f);
+    EXPECT_TRUE (transport.running.load());
+    EXPECT_NEAR (transport.position.load(), 8.0 + blockSize * 150.0 / (60.0 * sampleRate), 1e-9);
+    EXPECT_EQ (transport.sampleTime.load(), 48000 + blockSize);
+}
+
+TEST (ProcessorClock, StoppedHostWithPlayerOffRunsOnFromWhereTheInternalClockStood)
+{
+    Fixture f;
+    auto& transport = f.processor.getState().transport;
+    f.clock.set (false, 32.0, 0, 90.0);
+    transport.position.store (2.0);
+    transport.tempo.store (120.0f);
+
+    f.run ({});
+    // The stopped host's tempo is still followed; its position is not.
+    EXPECT_FLOAT_EQ (transport.tempo.load(), 90.0f);
+    const auto step = blockSize * 90.0 / (60.0 * sampleRate);
+    EXPECT_NEAR (transport.position.load(), 2.0 + step, 1e-9);
+    f.run ({});
+    EXPECT_NEAR (transport.position.load(), 2.0 + 2 * step, 1e-9);
+    EXPECT_TRUE (transport.running.load());
+}
+
+TEST (ProcessorClock, StoppedHostWithPlayerOnIsFollowed)
+{
+    Fixture f;
+    auto& state = f.processor.getState();
+    state.filePlayerActive.store (true);
+    f.clock.set (false, 12.0, 1000, 100.0);
+
+    f.run ({});
+    EXPECT_FALSE (state.transport.running.load());
+    EXPECT_DOUBLE_EQ (state.transport.position.load(), 12.0);
+}
+
+TEST (ProcessorClock, NoPlayHeadUsesTheInternalTempo)
+{
+    Fixture f;
+    f.processor.setPlayHead (nullptr);
+    auto& transport = f.processor.getState().transport;
+    transport.tempo.store (60.0f);
+    transport.position.store (0.0);
+    for (int i = 0; i < 4; ++i)
+        f.run ({});
+    EXPECT_NEAR (transport.position.load(), 4 * blockSize / sampleRate, 1e-9);
+}
+
+TEST (ProcessorClock, ForcedInternalClockIgnoresAPlayingHost)
+{
+    Fixture f;
+    auto& transport = f.processor.getState().transport;
+    transport.forceInternalClock.store (true);
+    transport.tempo.store (120.0f);
+    transport.position.store (1.0);
+    f.clock.set (true, 64.0, 0, 120.0);
+    f.run ({});
+    EXPECT_NEAR (transport.position.load(), 1.0 + blockSize * 120.0 / (60.0 * sampleRate), 1e-9);
+}
+
+//==============================================================================
+TEST (ProcessorLearn, ClaimedEventsNeverReachTheNotePathAndEarlierEventsPlayFirst)
+{
+    Fixture f;
+    auto handler = std::make_shared<RecordingHandler> (24);
+    f.processor.getLearnState().handlers.push_back (handler);
+    f.processor.publishLearnState();
+
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::noteOn (1, 60, (uint8_t) 100), 10);
+    in.addEvent (juce::MidiMessage::noteOn (1, 24, (uint8_t) 100), 10);
+    in.addEvent (juce::MidiMessage::noteOn (1, 62, (uint8_t) 100), 10);
+    in.addEvent (juce::MidiMessage::noteOff (1, 24), 300);
+
+    const auto out = f.run (in);
+
+    ASSERT_EQ (handler->handled.size(), 2u);
+    EXPECT_TRUE (handler->handled[0].isNoteOn());
+    EXPECT_TRUE (handler->handled[1].isNoteOff());
+    std::vector<int> notes;
+    for (const auto& e : out)
+        notes.push_back (e.bytes[1]);
+    // Each note passes exactly once although the span is re-run after a claim.
+    EXPECT_EQ (notes, (std::vector<int> { 60, 62 }));
+}
+
+TEST (ProcessorLearn, ArmedLearnerCapturesTheNextEventWhichStillPasses)
+{
+    Fixture f;
+    TestLearner learner;
+    learner.mode.store (TestLearner::armed);
+    f.processor.getLearnState().learner = &learner;
+    f.processor.publishLearnState();
+
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::controllerEvent (3, 64, 127), 20);
+    in.addEvent (juce::MidiMessage::noteOn (1, 61, (uint8_t) 100), 30);
+    const auto out = f.run (in);
+
+    EXPECT_EQ (learner.mode.load(), TestLearner::captured);
+    EXPECT_EQ (learner.counter.load(), 1);
+    EXPECT_TRUE (learner.message.isControllerOfType (64));
+    EXPECT_EQ (out.size(), 2u);
+}
+
+//==============================================================================
+TEST (ProcessorRealTime, SteadyStateBlocksAllocateNothing)
+{
+    Fixture f;
+    f.clock.set (true, 0.0, 0);
+    f.processor.getLearnState().handlers.push_back (std::make_shared<RecordingHandler> (24));
+    f.processor.publishLearnState();
+
+    juce::MidiBuffer in;
+    for (int i = 0; i < 40; ++i)
+    {
+        in.addEvent (juce::MidiMessage::noteOn (1 + i % 16, 40 + i, (uint8_t) 90), i * 12);
+        in.addEvent (juce::MidiMessage::controllerEvent (1 + i % 16, 1, i), i * 12 + 1);
+    }
+    in.addEvent (juce::MidiMessage::noteOn (1, 24, (uint8_t) 90), 100);
+    const uint8_t sysex[] = { 0xF0, 0x7E, 0x00, 0x09, 0x01, 0xF7 };
+    in.addEvent (sysex, sizeof (sysex), 50);
+
+    // The first blocks settle the capacities that the buffer swaps pass around.
+    for (int i = 0; i < 8; ++i)
+        f.run (in);
+
+    int64_t allocations = 0;
+    for (int i = 0; i < 100; ++i)
+    {
+        // As a host does: one buffer of its own, emptied and refilled.
+        f.midi.clear();
+        for (const auto event : in)
+            f.midi.addEvent (event.data, event.numBytes, event.samplePosition);
+
+        Orv::Testing::AllocationCounter counter;
+        f.processor.processBlock (f.audio, f.midi);
+        allocations += counter.getCount();
+    }
+    EXPECT_EQ (allocations, 0);
+}
+
+//==============================================================================
+namespace
+{
+/** A processor whose every host-facing call fails. */
+class FailingProcessor : public Processor
+{
+public:
+    void prepareToPlay (double, int) override { throw std::runtime_error ("prepare"); }
+    void processBlock (juce::AudioBuffer<float>&, juce::MidiBuffer&) override { throw std::runtime_error ("block"); }
+    using Processor::processBlock;
+    void getStateInformation (juce::MemoryBlock&) override { throw std::runtime_error ("save"); }
+    void setStateInformation (const void*, int) override { throw std::bad_alloc(); }
+    void setCurrentProgram (int) override { throw 42; }
+};
+
+using GuardedFailing = Orv::Audio::Plugin::WithEditor<FailingProcessor, Orv::GUI::Plugins::Halvane::Editor>;
+} // namespace
+
+TEST (ProcessorBoundary, NoExceptionLeavesAHostCallAndAFailedBlockIsSilent)
+{
+    GuardedFailing processor;
+    EXPECT_NO_THROW (processor.prepareToPlay (sampleRate, blockSize));
+
+    juce::AudioBuffer<float> audio (2, 64);
+    audio.clear();
+    audio.setSample (0, 3, 0.5f);
+    juce::MidiBuffer midi;
+    midi.addEvent (juce::MidiMessage::noteOn (1, 60, (uint8_t) 100), 0);
+    EXPECT_NO_THROW (processor.processBlock (audio, midi));
+    EXPECT_TRUE (midi.isEmpty());
+    EXPECT_EQ (audio.getMagnitude (0, 64), 0.0f);
+
+    juce::MemoryBlock blob;
+    EXPECT_NO_THROW (processor.getStateInformation (blob));
+    EXPECT_NO_THROW (processor.setStateInformation ("x", 1));
+    EXPECT_NO_THROW (processor.setCurrentProgram (0));
+}
