@@ -45,16 +45,3 @@ TEST (AtomicBoolParameter, EveryInheritedSetterReachesTheByte)
     p.setNormalised (0.0f);
     EXPECT_EQ (flag.load(), 0);
 }
-
-TEST (AtomicBoolParameter, HasNoMenuEntriesAndItsOwnGesture)
-{
-    std::atomic<std::uint8_t> flag { 0 };
-    AtomicBool p (flag);
-
-    EXPECT_TRUE (p.getMenuChoices().subItems.empty());
-
-    p.beginGesture();
-    EXPECT_TRUE (p.isInGesture());
-    p.endGesture();
-    EXPECT_FALSE (p.isInGesture());
-}

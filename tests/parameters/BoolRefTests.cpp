@@ -15,19 +15,6 @@ TEST (BoolRefParameter, TextForIntIsOffBelowOneAndOnFromOneUp)
     EXPECT_EQ (p.getTextForInt (5), "On");
 }
 
-TEST (BoolRefParameter, TextFollowsTheStoredValueAndTextForIsStrictlyAboveOneHalf)
-{
-    bool value = false;
-    BoolRef p (value);
-    EXPECT_EQ (p.getText(), "Off");
-
-    value = true;
-    EXPECT_EQ (p.getText(), "On");
-
-    EXPECT_EQ (p.getTextFor (0.5f), "Off");
-    EXPECT_EQ (p.getTextFor (0.6f), "On");
-}
-
 TEST (BoolRefParameter, OneHalfStoresFalse)
 {
     bool value = true;

@@ -63,13 +63,3 @@ TEST (ConnectedState, GesturesAndUndoAreTheTargets)
     EXPECT_FALSE (target.isInGesture());
     EXPECT_FALSE (state.isInGesture());
 }
-
-TEST (ConnectedState, KeepsTheUnlimitedChoiceCountAndOffersNoMenu)
-{
-    int mode = 0;
-    IntRef<int> target (mode, 0.0f, 7.0f);
-    ConnectedState state (Connector::referringTo (target), 3, 0);
-
-    EXPECT_EQ (state.getNumChoices(), Parameters::Parameter::unlimitedChoices);
-    EXPECT_TRUE (state.getMenuChoices().subItems.empty());
-}

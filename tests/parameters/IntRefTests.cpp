@@ -24,18 +24,6 @@ TEST (IntRefParameter, SettingBelowTheLowerBoundWrapsToTheUpper)
     EXPECT_EQ (value, 7);
 }
 
-TEST (IntRefParameter, ValuesWithinTheBoundsAreStoredAsTheyAre)
-{
-    int value = 0;
-    IntRef<int> p (value, 0.0f, 7.0f);
-
-    p.setInt (7);
-    EXPECT_EQ (value, 7);
-
-    p.setInt (0);
-    EXPECT_EQ (value, 0);
-}
-
 TEST (IntRefParameter, FarOutOfRangeWrapsOnlyOnceNotModulo)
 {
     int value = 3;

@@ -126,22 +126,3 @@ TEST (ParameterListener, StopsListeningWhenDestroyed)
 
     EXPECT_EQ (w.calls, 0);
 }
-
-TEST (ParameterListener, KeepsAnOwnedParameterAliveWhileListening)
-{
-    CallLog log;
-    bool destroyed = false;
-    auto* spy = new ChainSpy (log, &destroyed);
-    int calls = 0;
-
-    std::optional<Parameters::Listener> listener;
-    listener.emplace (Connector (spy), [&calls] { ++calls; }, false);
-
-    EXPECT_FALSE (destroyed);
-    spy->value = 1.0f;
-    tick();
-    EXPECT_EQ (calls, 1);
-
-    listener.reset();
-    EXPECT_TRUE (destroyed);
-}

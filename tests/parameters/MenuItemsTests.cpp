@@ -20,17 +20,6 @@ Item makeEntry (const char* name, Log& log)
 }
 } // namespace
 
-TEST (MenuItemsItem, DefaultsAreAPlainEnabledUntickedEntryThatDoesNothing)
-{
-    Item item;
-
-    EXPECT_EQ (item.type, Item::plainEntry);
-    EXPECT_FALSE (item.isSelected());
-    EXPECT_TRUE (item.isEnabled());
-    EXPECT_FALSE (item.flag);
-    EXPECT_NO_THROW (item.func());
-}
-
 TEST (MenuItemsSetRecursiveFunc, EveryLevelRunsItsOwnActionFirstThenTheAddedOne)
 {
     Log log;

@@ -73,20 +73,6 @@ TEST (UpdatingConnector, EachSetterRunsTheFunctionExactlyOnceAfterTheChange)
     EXPECT_FLOAT_EQ (seenInUpdate, 0.4f);
 }
 
-TEST (UpdatingConnector, TextAndGesturesDoNotRunTheFunction)
-{
-    ChainedTarget t;
-
-    // setFromText reaches the target directly; only the setters of this
-    // connector itself update.
-    t.connector.setFromText ("0.5");
-    t.connector.beginGesture();
-    t.connector.endGesture();
-
-    EXPECT_EQ (t.updates, 0);
-    EXPECT_FLOAT_EQ (t.spy.value, 0.5f);
-}
-
 TEST (UpdatingConnector, MenuEntryRunsItsActionThenTheUpdateWithTheGestureClosed)
 {
     CallLog log;

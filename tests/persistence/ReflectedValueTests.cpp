@@ -7,15 +7,6 @@
 using Orv::ReflectedValue;
 using Tag = ReflectedValue::Tag;
 
-TEST (ReflectedValue, TagsKeepTheirFixedNumbers)
-{
-    EXPECT_EQ (static_cast<int> (ReflectedValue (true).getTag()), 0);
-    EXPECT_EQ (static_cast<int> (ReflectedValue (5).getTag()), 1);
-    EXPECT_EQ (static_cast<int> (ReflectedValue (0.5).getTag()), 2);
-    EXPECT_EQ (static_cast<int> (ReflectedValue ("x").getTag()), 3);
-    EXPECT_EQ (static_cast<int> (ReflectedValue().getTag()), 4);
-}
-
 TEST (ReflectedValue, TextAndNumbersDoNotSlipIntoTheBoolean)
 {
     EXPECT_EQ (ReflectedValue ("On").getTag(), Tag::text);

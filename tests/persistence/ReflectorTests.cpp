@@ -71,28 +71,6 @@ TEST (ReflectorAddChild, OnChildRunsBeforeTheObjectIsVisited)
     EXPECT_EQ (object.name, "loaded");
 }
 
-TEST (ReflectorBase, DefaultsAnswerNothing)
-{
-    MapNode node (false);
-    ReflectorBase& base = node;
-
-    EXPECT_EQ (base.getSize(), 0);
-    EXPECT_EQ (base.getKeyAt (0), "");
-    node.values["x"] = ReflectedValue (1);
-    EXPECT_TRUE (node.ReflectorBase::getValue ("x").isEmpty());
-}
-
-TEST (ReflectorContext, NewNodeIsAPresetPassAndUnusedAsSequence)
-{
-    MapNode node (false);
-
-    EXPECT_EQ (node.context.scope, ReflectContext::presetScope);
-    EXPECT_EQ (node.context.purpose, ReflectContext::presetPurpose);
-    EXPECT_TRUE (node.unusedAsSequence);
-    EXPECT_TRUE (ReflectContext::forUndo().isInstanceScope());
-    EXPECT_FALSE (ReflectContext::forPreset().isInstanceScope());
-}
-
 //==============================================================================
 TEST (ReflectStringMember, SavesUtf8TextUnderTheKey)
 {
