@@ -132,13 +132,11 @@ void Processor::runClock (int numSamples)
         info.setIsPlaying (transport->running.load());
         info.setPpqPosition (transport->position.load());
 
-        const auto ownTime = info.getTimeInSamples().orFallback (0);
+        // The GUI relocates the internal clock by writing the transport's
+        // sample time; the clock follows it and reports a jump.
         const auto wanted = transport->sampleTime.load();
-        if (ownTime != wanted)
-        {
-            info.setTimeInSamples (wanted);
-            internalPlayHead.requestJump();
-        }
+        if (info.getTimeInSamples().orFallback (0) != wanted)
+            internalPlayHead.jumpTo (wanted);
 
         internalPlayHead.update (nullptr, numSamples);
         return;
