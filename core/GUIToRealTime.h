@@ -51,7 +51,8 @@ public:
     }
 
     /** Message thread: a callable holding a copy of the value that pushes it
-        when called, e.g. through Threads::callOnMessageThreadAndBlock. */
+        when called, e.g. through Threads::callOnMessageThreadAndBlock. It
+        refers to this ring, which must outlive it. */
     CallbackFunc getPushFunc (const T& value)
     {
         return CallbackFunc ([this, value] { push (value); });

@@ -36,17 +36,6 @@ struct OneThreadPool
     }
 };
 
-TEST (PoolJobMap, RunsTheJobOnThePool)
-{
-    juce::ThreadPool pool (1);
-    PoolJobMap map;
-    juce::WaitableEvent ran;
-    int owner = 0;
-
-    map.add (&owner, [&] { ran.signal(); }, pool);
-    EXPECT_TRUE (ran.wait (waitLimitMs));
-}
-
 TEST (PoolJobMap, RemoveWaitsForTheRunningJob)
 {
     juce::ThreadPool pool (1);

@@ -23,14 +23,4 @@ TEST (TimerCallback, CallsItsFunctionPeriodicallyUntilDestroyed)
     pumpMessagesFor (5 * periodMs);
     EXPECT_EQ (calls, callsAtEnd);
 }
-
-TEST (TimerCallback, WithoutAPeriodItWaitsToBeStarted)
-{
-    int calls = 0;
-    TimerCallback timer ([&] { ++calls; });
-    EXPECT_FALSE (timer.isTimerRunning());
-
-    timer.startTimer (1);
-    EXPECT_TRUE (pumpMessagesUntil ([&] { return calls >= 1; }));
-}
 } // namespace
