@@ -13,7 +13,11 @@ namespace Orv::Events
     on the SharedTimer's tick: when the value differs from the last one seen,
     by T's operator==, the callback runs on the message thread. A value that
     changes and changes back within one tick is not reported. Make and destroy
-    it on the message thread; the watched value must outlive it. */
+    it on the message thread; the watched value must outlive it.
+
+    A record watched here that the audio thread writes should be lock-free as
+    a std::atomic (8 bytes at most on x86-64): a larger one is guarded by
+    libatomic's locks and needs that library linked. */
 template <typename T>
 class AtomicListener : public ValueListenerDetails::Base
 {
