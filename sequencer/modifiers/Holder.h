@@ -7,7 +7,8 @@
 
 namespace Orv::Sequencer::Modifiers
 {
-/** The modifier a clip owns, an Empty by default. A copy holds a deep copy.
+/** The modifier a clip owns, an Empty by default, never null. A copy holds a
+    deep copy; there is no move, so that nothing is left holding null.
 
     In a file it is one child named after the held kind: "StepPulseSeq",
     "LoopFitter", "TimedSteps", "Pattern" or "NoteList". Any other kind
@@ -21,8 +22,6 @@ public:
     explicit Holder (std::unique_ptr<Base> modToHold);
     Holder (const Holder& other);
     Holder& operator= (const Holder& other);
-    Holder (Holder&&) noexcept = default;
-    Holder& operator= (Holder&&) noexcept = default;
     ~Holder();
 
     /** Never null. */

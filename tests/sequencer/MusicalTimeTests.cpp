@@ -8,18 +8,13 @@
 #include <cmath>
 
 using namespace Orv::Sequencer::Modifiers;
+using Orv::Testing::barsOf;
 using Orv::Testing::BroadcastLog;
 
 namespace
 {
 using Log = std::vector<std::string>;
 
-MusicalTime timeOf (std::vector<Bar> bars)
-{
-    MusicalTime time;
-    time.bars = std::move (bars);
-    return time;
-}
 } // namespace
 
 TEST (MusicalTime, LengthIsTheSumOfTheBarsInQuarterNotes)
@@ -38,14 +33,14 @@ TEST (MusicalTime, LengthIsTheSumOfTheBarsInQuarterNotes)
     };
 
     for (const auto& c : cases)
-        EXPECT_EQ (timeOf (c.bars).getLength(), c.length) << c.bars.size() << " bars";
+        EXPECT_EQ (barsOf (c.bars).getLength(), c.length) << c.bars.size() << " bars";
 
     EXPECT_EQ (MusicalTime().getLength(), 4.0);
 }
 
 TEST (MusicalTime, ACopyTakesBarsAndCallbackButNoListeners)
 {
-    auto original = timeOf ({ { 3, 4 }, { 5, 8 } });
+    auto original = barsOf ({ { 3, 4 }, { 5, 8 } });
     int callbackCalls = 0;
     original.onBarChange = [&] (std::int32_t, const Bar&, const Bar&) { ++callbackCalls; };
     Log log;
@@ -86,7 +81,7 @@ TEST (Duration, ModeZeroFollowsTheBarsAnyOtherModeIsTheExplicitLength)
 //==============================================================================
 TEST (BarParams, AnEditTellsValueThenBarsThenTheCallbackWithIndexAndBothBars)
 {
-    auto time = timeOf ({ { 4, 4 }, { 3, 4 }, { 4, 4 } });
+    auto time = barsOf ({ { 4, 4 }, { 3, 4 }, { 4, 4 } });
     Log log;
     BroadcastLog bars (time.barsBroadcaster, "bars", log);
     BroadcastLog values (time.valueBroadcaster, "value", log);
@@ -108,7 +103,7 @@ TEST (BarParams, AnEditTellsValueThenBarsThenTheCallbackWithIndexAndBothBars)
 
 TEST (BarParams, ABarThatIsNotInTheListReportsMinusOne)
 {
-    auto time = timeOf ({ { 4, 4 } });
+    auto time = barsOf ({ { 4, 4 } });
     Bar removed { 4, 4 }; // equal in value to bar 0, but not the same bar
     std::int32_t reported = 0;
     time.onBarChange = [&] (std::int32_t index, const Bar&, const Bar&) { reported = index; };
@@ -121,7 +116,7 @@ TEST (BarParams, ABarThatIsNotInTheListReportsMinusOne)
 
 TEST (BarParams, SettingTheValueAFieldHoldsTellsNobody)
 {
-    auto time = timeOf ({ { 4, 4 } });
+    auto time = barsOf ({ { 4, 4 } });
     Log log;
     BroadcastLog bars (time.barsBroadcaster, "bars", log);
     time.onBarChange = [&] (std::int32_t, const Bar&, const Bar&) { log.push_back ("callback"); };

@@ -4,6 +4,7 @@
 #include "persistence/JsonLoader.h"
 #include "persistence/JsonSaver.h"
 #include "sequencer/TimedEvent.h"
+#include "sequencer/modifiers/MusicalTime.h"
 
 #include <string>
 #include <vector>
@@ -34,6 +35,14 @@ inline Sequencer::Step makeStep (double start, double length, int noteNum = 64)
     step.event.noteNum = noteNum;
     step.enabled = true;
     return step;
+}
+
+/** A time of the given bars. */
+inline Sequencer::Modifiers::MusicalTime barsOf (std::vector<Sequencer::Modifiers::Bar> bars)
+{
+    Sequencer::Modifiers::MusicalTime time;
+    time.bars = std::move (bars);
+    return time;
 }
 
 /** The object as a preset file would hold it. */
