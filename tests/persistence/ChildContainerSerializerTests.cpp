@@ -138,18 +138,3 @@ TEST (ChildContainerSerializer, OwnedElementsAreMadeOnLoadAndKeptWhenPresent)
 
     EXPECT_EQ (Json::toJson (holder, {}), file);
 }
-
-TEST (ChildContainerSerializer, MarksTheNodeAsUsedForASequence)
-{
-    auto steps = existing (1);
-    ChildContainerSerializer<std::vector<Step>> serializer (steps, "Steps", "Step");
-
-    Json::Saver saver ({});
-    serializer.reflect (saver);
-    EXPECT_FALSE (saver.unusedAsSequence);
-
-    auto file = stepsJson (1, 0);
-    Json::Loader loader (file["Steps"], {});
-    serializer.reflect (loader);
-    EXPECT_FALSE (loader.unusedAsSequence);
-}

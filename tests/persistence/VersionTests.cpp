@@ -18,10 +18,3 @@ TEST (Version, ComparesMajorThenMinorThenPatch)
         }
     }
 }
-
-TEST (Version, TextRoundTrip)
-{
-    EXPECT_EQ (Version ({ 1, 0, 3 }).toString(), "1.0.3");
-    EXPECT_EQ (Version::fromString ("12.345.6789"), Version ({ 12, 345, 6789 }));
-    EXPECT_EQ (Version::fromString ("-1.2.3"), Version ({ -1, 2, 3 }));
-}
