@@ -5,6 +5,7 @@ set -euo pipefail
 HALVANE_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 HALVANE_BUILD_DIR="${HALVANE_BUILD_DIR:-$HALVANE_ROOT/build}"
 HALVANE_JOBS="${HALVANE_JOBS:-$(nproc)}"
+HALVANE_FUZZ_BUILD_DIR="${HALVANE_FUZZ_BUILD_DIR:-$HALVANE_ROOT/build-fuzz}"
 
 HALVANE_PACKAGES=(
     build-essential cmake pkg-config ccache git
@@ -46,4 +47,22 @@ halvane_configure() {
 
 halvane_build() {
     cmake --build "$HALVANE_BUILD_DIR" --parallel "$HALVANE_JOBS" "$@"
+}
+
+# The libFuzzer targets, built by clang in a folder of their own (JUCE once
+# more, the engine instrumented, nothing else), each run for a bounded time
+# through ctest. Fails when a target finds a crash; the input that caused it
+# is named in the output.
+halvane_fuzz() {
+    if [ ! -f "$HALVANE_FUZZ_BUILD_DIR/CMakeCache.txt" ]; then
+        CC=clang-14 CXX=clang++-14 cmake -S "$HALVANE_ROOT" -B "$HALVANE_FUZZ_BUILD_DIR" \
+            -DCMAKE_BUILD_TYPE=Release -DHALVANE_FUZZ=ON -DHALVANE_TESTS=OFF -DHALVANE_BENCH=OFF
+    fi
+    cmake --build "$HALVANE_FUZZ_BUILD_DIR" --target halvane_fuzzers --parallel "$HALVANE_JOBS"
+
+    local status=0
+    ctest --test-dir "$HALVANE_FUZZ_BUILD_DIR" -L fuzz --output-on-failure --parallel "$HALVANE_JOBS" || status=$?
+    grep -E '^([0-9]+/[0-9]+ Testing: |Done [0-9]+ runs|stat::number_of_executed_units|stat::peak_rss_mb)' \
+        "$HALVANE_FUZZ_BUILD_DIR/Testing/Temporary/LastTest.log" || true
+    return "$status"
 }
