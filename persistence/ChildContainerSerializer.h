@@ -14,7 +14,8 @@ namespace Orv
     that key (or added through add()). The container needs size(), resize(n)
     that keeps the elements in front, clear() and operator[]. An element is
     either an object with reflect, or an OwningPointer to one, which a load
-    fills with a default object when it is empty.
+    fills with a default object when it is empty (all of them before the
+    first element is read).
 
     Saving: one appended node per element, in order; an empty container
     leaves null. Loading: the container is first emptied when clearFirst is
@@ -65,7 +66,7 @@ private:
             auto* elementNode = node.appendChild (elementName);
 
             if (elementNode != nullptr)
-                reflectElement (container[i], *elementNode, false);
+                reflectElement (container[i], *elementNode);
         }
     }
 
@@ -77,26 +78,32 @@ private:
         const auto size = node.getSize();
         container.resize (static_cast<std::size_t> (size));
 
+        // Every owned element exists before any is read, so that a load that
+        // throws halfway leaves default objects behind, never empty pointers.
+        for (std::size_t i = 0; i < container.size(); ++i)
+            makeIfEmpty (container[i]);
+
         for (int i = 0; i < size; ++i)
             if (auto* elementNode = node.childAt (i))
-                reflectElement (container[static_cast<std::size_t> (i)], *elementNode, true);
+                reflectElement (container[static_cast<std::size_t> (i)], *elementNode);
     }
 
     template <typename Element>
-    static void reflectElement (Element& element, Reflector& node, bool loading)
+    static void makeIfEmpty (Element& element)
+    {
+        if constexpr (IsOwningPointer<Element>::value)
+            if (element == nullptr)
+                element = std::make_unique<typename Element::element_type>();
+    }
+
+    /** An empty owned element saves as null. */
+    template <typename Element>
+    static void reflectElement (Element& element, Reflector& node)
     {
         if constexpr (IsOwningPointer<Element>::value)
         {
-            if (element == nullptr)
-            {
-                // Saving an empty slot leaves its element null.
-                if (! loading)
-                    return;
-
-                element = std::make_unique<typename Element::element_type>();
-            }
-
-            element->reflect (node);
+            if (element != nullptr)
+                element->reflect (node);
         }
         else
         {

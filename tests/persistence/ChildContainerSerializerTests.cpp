@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <vector>
 
 using namespace Orv;
@@ -137,4 +138,22 @@ TEST (ChildContainerSerializer, OwnedElementsAreMadeOnLoadAndKeptWhenPresent)
     }
 
     EXPECT_EQ (Json::toJson (holder, {}), file);
+}
+
+TEST (ChildContainerSerializer, ALoadThatThrowsHalfwayLeavesNoEmptyOwnedElement)
+{
+    struct Timed
+    {
+        double start = 0.0;
+        void reflect (Reflector& r) { addMember (r, "start", start); }
+    };
+
+    Holder<OwnedVector<Timed>> holder;
+    auto file = json::parse (R"({"Steps": [{"start": 1}, {"start": "no number"}, {"start": 3}]})");
+
+    EXPECT_THROW (Json::fromJson (file, holder, {}), std::invalid_argument);
+    ASSERT_EQ (holder.steps.size(), 3u);
+
+    for (const auto& step : holder.steps)
+        EXPECT_NE (step, nullptr);
 }
