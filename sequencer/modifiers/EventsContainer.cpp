@@ -54,21 +54,25 @@ void EventsContainer::renderTrack (size_t index, double loopLength, PatternData&
 {
     PatternData local;
 
-    // A track that does not move time forward, or a loop without end (a
-    // zero denominator in a file), would repeat for ever.
+    // A track that does not move time forward, a loop without end (a zero
+    // denominator in a file) or a tiny track under a huge loop would repeat
+    // for ever, or for long enough to hang the host: repetitions are capped
+    // far beyond any musical use.
     if (loopLength > 0.0 && std::isfinite (loopLength))
     {
-        for (double t = 0.0; t < loopLength;)
+        int repetitions = 0;
+        for (double t = 0.0; t < loopLength && repetitions < maxRepetitionsPerTrack; ++repetitions)
         {
             PatternData repetition;
             tracks[index]->evaluate (repetition);
 
-            if (! (repetition.length > 0.0))
+            const auto next = t + repetition.length;
+            if (! (next > t))
                 break;
 
             repetition.shift (t);
             local.append (repetition);
-            t += repetition.length;
+            t = next;
         }
     }
 

@@ -14,6 +14,10 @@ namespace Orv::Sequencer::Modifiers
 class EventsContainer : public Cloneable<Base, EventsContainer>
 {
 public:
+    /** Most repetitions of one track under the loop: a thousand bars of
+        sixteenth-note tracks, and a bound on what a hostile file can ask. */
+    static constexpr int maxRepetitionsPerTrack = 16384;
+
     EventsContainer() = default;
     EventsContainer (const EventsContainer& other);
     EventsContainer& operator= (const EventsContainer& other);
