@@ -2,6 +2,7 @@
 #include "core/WithEditor.h"
 #include "editor/Editor.h"
 #include "support/AllocationCounter.h"
+#include "support/FakeHostPlayHead.h"
 
 #include <gtest/gtest.h>
 
@@ -11,24 +12,6 @@ namespace
 {
 constexpr double sampleRate = 48000.0;
 constexpr int blockSize = 512;
-
-class HostClock : public juce::AudioPlayHead
-{
-public:
-    juce::Optional<PositionInfo> getPosition() const override { return info; }
-
-    void set (bool playing, double ppq, int64_t time, double bpm = 120.0)
-    {
-        PositionInfo p;
-        p.setIsPlaying (playing);
-        p.setPpqPosition (ppq);
-        p.setTimeInSamples (time);
-        p.setBpm (bpm);
-        info = p;
-    }
-
-    juce::Optional<PositionInfo> info;
-};
 
 struct Event
 {
@@ -62,30 +45,27 @@ struct Fixture
         return eventsOf (midi);
     }
 
-    HostClock clock;
+    Orv::Testing::FakeHostPlayHead clock;
     Processor processor;
     juce::AudioBuffer<float> audio;
     juce::MidiBuffer midi;
 };
 
-/** Claims one note number and records what it was handed, and what the note
-    path had produced by the time it was called. */
-class RecordingHandler : public Orv::Midi::Learn::Handler
+/** Claims one note number and records what it was handed. */
+struct RecordingHandler : Orv::Midi::Learn::Handler
 {
-public:
     // Room reserved up front: the handler runs inside counted blocks.
     explicit RecordingHandler (int n) : note (n) { handled.reserve (1024); }
 
-    bool matches (const juce::MidiMessage& m) override { return (m.isNoteOnOrOff()) && m.getNoteNumber() == note; }
+    bool matches (const juce::MidiMessage& m) override { return m.isNoteOnOrOff() && m.getNoteNumber() == note; }
     void handle (const juce::MidiMessage& m) override { handled.push_back (m); }
 
     int note;
     std::vector<juce::MidiMessage> handled;
 };
 
-class TestLearner : public Orv::Midi::Learn::LearnerInterface
+struct TestLearner : Orv::Midi::Learn::LearnerInterface
 {
-public:
     bool learn() override { return true; }
 };
 } // namespace
@@ -139,20 +119,19 @@ TEST (ProcessorMidi, ControllersAndPitchBendKeepTheirSamplePositionsBesideNotes)
     const auto out = f.run (in);
     std::vector<int> positions;
     for (const auto& e : out)
-        if (e.bytes[0] == 0xB0 && e.bytes[1] == 1)
-            positions.push_back (e.position);
-        else if (e.bytes[0] == 0xE0)
-            positions.push_back (e.position);
-    EXPECT_EQ (positions, (std::vector<int> { 7, 480 }));
-    for (const auto& e : out)
+    {
         EXPECT_EQ (e.bytes[0] & 0x0F, 0) << "event at " << e.position;
+        if ((e.bytes[0] == 0xB0 && e.bytes[1] == 1) || e.bytes[0] == 0xE0)
+            positions.push_back (e.position);
+    }
+    EXPECT_EQ (positions, (std::vector<int> { 7, 480 }));
 }
 
 TEST (ProcessorMidi, MonoBufferLeavesMidiUntouchedAndTheClockStill)
 {
     Fixture f;
     f.audio.setSize (1, blockSize);
-    f.clock.set (true, 4.0, 96000);
+    f.clock.playingAt (96000, 4.0);
     juce::MidiBuffer in;
     const uint8_t sysex[] = { 0xF0, 0x01, 0xF7 };
     in.addEvent (sysex, sizeof (sysex), 1);
@@ -170,7 +149,7 @@ TEST (ProcessorMidi, MonoBufferLeavesMidiUntouchedAndTheClockStill)
 TEST (ProcessorMidi, ZeroSampleBlockRunsEveryStage)
 {
     Fixture f;
-    f.clock.set (true, 0.0, 0);
+    f.clock.playingAt (0, 0.0);
     juce::MidiBuffer in;
     in.addEvent (juce::MidiMessage::controllerEvent (4, 10, 1), 0);
     const auto out = f.run (in, 0);
@@ -179,70 +158,48 @@ TEST (ProcessorMidi, ZeroSampleBlockRunsEveryStage)
 }
 
 //==============================================================================
-TEST (ProcessorClock, HostPlayingDrivesTheTransport)
+TEST (ProcessorClock, TheTransportFollowsAPlayingHostAndOtherwiseRunsOnTheInternalClock)
 {
-    Fixture f;
-    f.clock.set (true, 8.0, 48000, 150.0);
-    f.run ({});
-    auto& transport = f.processor.getState().transport;
-    EXPECT_FLOAT_EQ (transport.tempo.load(), 150.0f);
-    EXPECT_TRUE (transport.running.load());
-    EXPECT_NEAR (transport.position.load(), 8.0 + blockSize * 150.0 / (60.0 * sampleRate), 1e-9);
-    EXPECT_EQ (transport.sampleTime.load(), 48000 + blockSize);
-}
+    using Orv::Testing::FakeHostPlayHead;
+    const double perBpm = blockSize / (60.0 * sampleRate); // quarter notes a block per bpm
+    const struct
+    {
+        const char* what;
+        juce::Optional<juce::AudioPlayHead::PositionInfo> host; // none: no play head at all
+        bool forceInternal, playerOn;
+        int numBlocks;
+        double position;
+        float tempo;
+        bool running;
+    } cases[] = {
+        { "a playing host drives it", FakeHostPlayHead::playing (48000, 8.0, 150.0), false, false, 1, 8.0 + 150.0 * perBpm, 150.0f, true },
+        { "a stopped host's tempo is followed, not its position", FakeHostPlayHead::stopped (0, 32.0, 90.0), false, false, 2, 2.0 + 2 * 90.0 * perBpm, 90.0f, true },
+        { "with the player on a stopped host is followed", FakeHostPlayHead::stopped (1000, 12.0, 100.0), false, true, 1, 12.0, 100.0f, false },
+        { "a forced internal clock ignores a playing host", FakeHostPlayHead::playing (0, 64.0, 60.0), true, false, 1, 2.0 + 60.0 * perBpm, 60.0f, true },
+        { "without a play head the internal tempo runs", juce::nullopt, false, false, 4, 2.0 + 4 * 60.0 * perBpm, 60.0f, true },
+    };
 
-TEST (ProcessorClock, StoppedHostWithPlayerOffRunsOnFromWhereTheInternalClockStood)
-{
-    Fixture f;
-    auto& transport = f.processor.getState().transport;
-    f.clock.set (false, 32.0, 0, 90.0);
-    transport.position.store (2.0);
-    transport.tempo.store (120.0f);
+    for (const auto& c : cases)
+    {
+        Fixture f;
+        auto& state = f.processor.getState();
+        state.transport.position.store (2.0);
+        state.transport.tempo.store (60.0f);
+        state.transport.forceInternalClock.store (c.forceInternal);
+        state.filePlayerActive.store (c.playerOn);
+        f.clock.position = c.host;
+        if (! c.host.hasValue())
+            f.processor.setPlayHead (nullptr);
 
-    f.run ({});
-    // The stopped host's tempo is still followed; its position is not.
-    EXPECT_FLOAT_EQ (transport.tempo.load(), 90.0f);
-    const auto step = blockSize * 90.0 / (60.0 * sampleRate);
-    EXPECT_NEAR (transport.position.load(), 2.0 + step, 1e-9);
-    f.run ({});
-    EXPECT_NEAR (transport.position.load(), 2.0 + 2 * step, 1e-9);
-    EXPECT_TRUE (transport.running.load());
-}
+        for (int i = 0; i < c.numBlocks; ++i)
+            f.run ({});
 
-TEST (ProcessorClock, StoppedHostWithPlayerOnIsFollowed)
-{
-    Fixture f;
-    auto& state = f.processor.getState();
-    state.filePlayerActive.store (true);
-    f.clock.set (false, 12.0, 1000, 100.0);
-
-    f.run ({});
-    EXPECT_FALSE (state.transport.running.load());
-    EXPECT_DOUBLE_EQ (state.transport.position.load(), 12.0);
-}
-
-TEST (ProcessorClock, NoPlayHeadUsesTheInternalTempo)
-{
-    Fixture f;
-    f.processor.setPlayHead (nullptr);
-    auto& transport = f.processor.getState().transport;
-    transport.tempo.store (60.0f);
-    transport.position.store (0.0);
-    for (int i = 0; i < 4; ++i)
-        f.run ({});
-    EXPECT_NEAR (transport.position.load(), 4 * blockSize / sampleRate, 1e-9);
-}
-
-TEST (ProcessorClock, ForcedInternalClockIgnoresAPlayingHost)
-{
-    Fixture f;
-    auto& transport = f.processor.getState().transport;
-    transport.forceInternalClock.store (true);
-    transport.tempo.store (120.0f);
-    transport.position.store (1.0);
-    f.clock.set (true, 64.0, 0, 120.0);
-    f.run ({});
-    EXPECT_NEAR (transport.position.load(), 1.0 + blockSize * 120.0 / (60.0 * sampleRate), 1e-9);
+        EXPECT_NEAR (state.transport.position.load(), c.position, 1e-9) << c.what;
+        EXPECT_EQ (state.transport.tempo.load(), c.tempo) << c.what;
+        EXPECT_EQ (state.transport.running.load(), c.running) << c.what;
+        if (c.host.hasValue() && c.host->getIsPlaying() && ! c.forceInternal)
+            EXPECT_EQ (state.transport.sampleTime.load(), *c.host->getTimeInSamples() + blockSize) << c.what;
+    }
 }
 
 //==============================================================================
@@ -294,7 +251,7 @@ TEST (ProcessorLearn, ArmedLearnerCapturesTheNextEventWhichStillPasses)
 TEST (ProcessorRealTime, SteadyStateBlocksAllocateNothing)
 {
     Fixture f;
-    f.clock.set (true, 0.0, 0);
+    f.clock.playingAt (0, 0.0);
     f.processor.getLearnState().handlers.push_back (std::make_shared<RecordingHandler> (24));
     f.processor.publishLearnState();
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <string>
@@ -45,85 +46,61 @@ TEST (Singleton, IsMadeOnceEvenWhenManyThreadsAskAtOnce)
         t.join();
 
     EXPECT_EQ (SlowToMake::made.load(), 1);
-    for (auto* p : seen)
-        EXPECT_EQ (p, seen.front());
+    EXPECT_EQ (std::count (seen.begin(), seen.end(), seen.front()), numThreads);
 }
 
 //==============================================================================
 std::string endings;
-bool olderAliveWhileNewerEnds = false;
+bool olderAliveWhileNewestEnds = false;
 
-struct Oldest
+template <int order>
+struct Ending
 {
-    ~Oldest() { endings += "oldest "; }
-};
-
-struct Middle
-{
-    ~Middle() { endings += "middle "; }
-};
-
-struct Newest
-{
-    ~Newest()
+    ~Ending()
     {
-        endings += "newest ";
-        olderAliveWhileNewerEnds = Singleton<Oldest>::getIfExists() != nullptr
-                                   && Singleton<Middle>::getIfExists() != nullptr;
+        endings += std::to_string (order);
+        if (order == 3)
+            olderAliveWhileNewestEnds = Singleton<Ending<1>>::getIfExists() != nullptr && Singleton<Ending<2>>::getIfExists() != nullptr;
     }
 };
 
 TEST (ShutdownDeleter, ReleasesSingletonsNewestFirstWhileOlderOnesStillExist)
 {
-    Singleton<Oldest>::get();
-    Singleton<Middle>::get();
-    Singleton<Newest>::get();
+    Singleton<Ending<1>>::get();
+    Singleton<Ending<2>>::get();
+    Singleton<Ending<3>>::get();
 
     endings.clear();
     ShutdownDeleter::releaseAll();
 
-    EXPECT_EQ (endings, "newest middle oldest ");
-    EXPECT_TRUE (olderAliveWhileNewerEnds);
-    EXPECT_EQ (Singleton<Oldest>::getIfExists(), nullptr);
-    EXPECT_EQ (Singleton<Newest>::getIfExists(), nullptr);
+    EXPECT_EQ (endings, "321");
+    EXPECT_TRUE (olderAliveWhileNewestEnds);
+    EXPECT_EQ (Singleton<Ending<1>>::getIfExists(), nullptr);
 }
 
 struct Remade
 {
-    static inline int made = 0;
-    static inline int ended = 0;
+    static inline int made = 0, ended = 0;
     Remade() { ++made; }
     ~Remade() { ++ended; }
 };
 
-TEST (ShutdownDeleter, ASingletonAskedForAfterReleaseIsMadeAnew)
-{
-    Singleton<Remade>::get();
-    ShutdownDeleter::releaseAll();
-    EXPECT_EQ (Remade::ended, 1);
-
-    EXPECT_NE (Singleton<Remade>::get(), nullptr);
-    EXPECT_EQ (Remade::made, 2);
-
-    ShutdownDeleter::releaseAll();
-    EXPECT_EQ (Remade::ended, 2);
-}
-
-struct HeldByInstances
-{
-};
-
-TEST (ShutdownDeleter, TheLastPluginInstanceToEndReleasesTheSingletons)
+TEST (ShutdownDeleter, TheLastPluginInstanceToEndReleasesAndALaterAskMakesAnew)
 {
     {
         ShutdownDeleter::InstanceCounter first;
         {
             ShutdownDeleter::InstanceCounter second;
-            ASSERT_EQ (ShutdownDeleter::InstanceCounter::getNumInstances(), 2);
-            Singleton<HeldByInstances>::get();
+            Singleton<Remade>::get();
         }
-        EXPECT_NE (Singleton<HeldByInstances>::getIfExists(), nullptr);
+        EXPECT_EQ (Remade::ended, 0);
     }
-    EXPECT_EQ (Singleton<HeldByInstances>::getIfExists(), nullptr);
+    EXPECT_EQ (Remade::ended, 1);
+    EXPECT_EQ (Singleton<Remade>::getIfExists(), nullptr);
+
+    Singleton<Remade>::get();
+    EXPECT_EQ (Remade::made, 2);
+    ShutdownDeleter::releaseAll();
+    EXPECT_EQ (Remade::ended, 2);
 }
 } // namespace
