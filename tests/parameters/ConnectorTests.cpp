@@ -1,5 +1,7 @@
 #include "ParameterTestDoubles.h"
+#include "parameters/ConnectedState.h"
 #include "parameters/Connector.h"
+#include "parameters/IntRef.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +9,7 @@
 #include <optional>
 
 using namespace Orv;
+using Orv::Parameters::ConnectedState;
 using Orv::Parameters::Connector;
 using Orv::Testing::CallLog;
 using Orv::Testing::ChainSpy;
@@ -29,12 +32,7 @@ public:
     juce::String getTextFor (float v) const override { return "for " + juce::String (v); }
     juce::String getText() const override { return "text"; }
     juce::String getTextForInt (int i) const override { return "int " + juce::String (i); }
-    MenuItems::Item getMenuChoices() override
-    {
-        MenuItems::Item item;
-        item.name = "menu";
-        return item;
-    }
+    MenuItems::Item getMenuChoices() override { return { MenuItems::Item::plainEntry, "menu" }; }
     float getFloat() const override { return 42.5f; }
     int getInt() const override { return 7; }
     bool getBool() const override { return true; }
@@ -52,7 +50,7 @@ public:
 } // namespace
 
 //==============================================================================
-TEST (ConnectorForwarding, EveryGetterAnswersWithTheTargetsAnswer)
+TEST (ConnectorForwarding, EveryOperationButReflectReachesTheTargetUnchanged)
 {
     Distinctive target;
     auto c = Connector::referringTo (target);
@@ -65,17 +63,9 @@ TEST (ConnectorForwarding, EveryGetterAnswersWithTheTargetsAnswer)
     EXPECT_EQ (c.getMenuChoices().name, "menu");
     EXPECT_FLOAT_EQ (c.getFloat(), 42.5f);
     EXPECT_EQ (c.getInt(), 7);
-    EXPECT_TRUE (c.getBool());
-    EXPECT_TRUE (c.isUndoable());
-    EXPECT_TRUE (c.isDiscrete());
+    EXPECT_TRUE (c.getBool() && c.isUndoable() && c.isDiscrete());
     EXPECT_EQ (c.getNumChoices(), 5);
     EXPECT_FLOAT_EQ (c.getDefaultNormalised(), 0.3f);
-}
-
-TEST (ConnectorForwarding, EverySetterAndGestureReachesTheTargetUnchanged)
-{
-    Distinctive target;
-    auto c = Connector::referringTo (target);
 
     c.setNormalised (0.25f);
     c.setInt (3);
@@ -83,58 +73,31 @@ TEST (ConnectorForwarding, EverySetterAndGestureReachesTheTargetUnchanged)
     c.setFloat (1.5f);
     c.setFromText ("abc");
     c.setNormalisedNotifying (0.75f);
-
-    EXPECT_EQ (target.log.joinIntoString ("|"),
-               "setNormalised 0.25|setInt 3|setBool 1|setFloat 1.5|setFromText abc|setNormalisedNotifying 0.75");
+    EXPECT_EQ (target.log.joinIntoString ("|"), "setNormalised 0.25|setInt 3|setBool 1|setFloat 1.5|setFromText abc|setNormalisedNotifying 0.75");
 
     c.beginGesture();
-    EXPECT_TRUE (target.gesture);
-    EXPECT_TRUE (c.isInGesture());
+    EXPECT_TRUE (target.gesture && c.isInGesture());
     c.endGesture();
     EXPECT_FALSE (target.gesture);
-}
 
-TEST (ConnectorForwarding, ReflectIsTheTextRoundTripNotTheTargetsOwnReflect)
-{
-    Distinctive target;
-    auto c = Connector::referringTo (target);
-
-    Testing::FakeReflector saver (false);
-    c.reflect (saver);
-    EXPECT_EQ (saver.values["value"], ReflectedValue ("text"));
-
-    Testing::FakeReflector loader (true);
-    loader.values["value"] = ReflectedValue ("9");
-    c.reflect (loader);
-
-    EXPECT_FALSE (target.log.contains ("reflect"));
-    EXPECT_TRUE (target.log.contains ("setFromText 9"));
+    // Reflect stays the text round trip rather than the target's own reflect.
+    target.log.clear();
+    EXPECT_EQ (Testing::save (c), nlohmann::json::parse (R"({"value":"text"})"));
+    Testing::load (R"({"value":"9"})", c);
+    EXPECT_EQ (target.log, juce::StringArray ("setFromText 9"));
 }
 
 //==============================================================================
-TEST (ConnectorOwnership, BuiltFromAPointerItOwnsTheParameter)
-{
-    CallLog log;
-    bool destroyed = false;
-
-    {
-        Connector c (new ChainSpy (log, &destroyed));
-        EXPECT_TRUE (c.ownsTarget());
-    }
-
-    EXPECT_TRUE (destroyed);
-}
-
-TEST (ConnectorOwnership, OwningCopyKeepsTheTargetAliveAfterTheOriginalIsGone)
+TEST (ConnectorOwnership, AnOwningConnectorAndItsCopiesKeepTheTargetAliveTogether)
 {
     CallLog log;
     bool destroyed = false;
     std::optional<Connector> original;
     original.emplace (new ChainSpy (log, &destroyed));
+    EXPECT_TRUE (original->ownsTarget());
 
     auto copy = std::make_unique<Connector> (*original);
     original.reset();
-
     EXPECT_FALSE (destroyed);
     EXPECT_TRUE (copy->ownsTarget());
     copy->setNormalisedNotifying (0.5f);
@@ -144,36 +107,27 @@ TEST (ConnectorOwnership, OwningCopyKeepsTheTargetAliveAfterTheOriginalIsGone)
     EXPECT_TRUE (destroyed);
 }
 
-TEST (ConnectorOwnership, ReferringCopyKeepsWorkingAfterTheCopiedConnectorIsGone)
-{
-    CallLog log;
-    ChainSpy target (log);
-    std::optional<Connector> referring;
-    referring.emplace (Connector::referringTo (target));
-
-    Connector copy (*referring);
-    referring.reset();
-
-    copy.setNormalisedNotifying (0.75f);
-    EXPECT_FLOAT_EQ (target.value, 0.75f);
-    EXPECT_FLOAT_EQ (copy.getNormalised(), 0.75f);
-    EXPECT_FALSE (copy.ownsTarget());
-}
-
-TEST (ConnectorOwnership, ReferringCopyDoesNotKeepTheTargetAlive)
+TEST (ConnectorOwnership, AReferringCopyWorksOnAfterItsSourceIsGoneButKeepsNothingAlive)
 {
     CallLog log;
     bool destroyed = false;
     std::optional<Connector> owner;
     owner.emplace (new ChainSpy (log, &destroyed));
+    auto& target = static_cast<ChainSpy&> (*owner->getTarget());
 
-    auto referring = Connector::referringTo (*owner->getTarget());
-    Connector copy (referring);
+    std::optional<Connector> referring;
+    referring.emplace (Connector::referringTo (target));
+    Connector copy (*referring);
     Connector copyOfCopy (copy);
-    owner.reset();
+    referring.reset();
 
+    copyOfCopy.setNormalisedNotifying (0.75f);
+    EXPECT_FLOAT_EQ (target.value, 0.75f);
+    EXPECT_FLOAT_EQ (copy.getNormalised(), 0.75f);
+    EXPECT_FALSE (copy.ownsTarget() || copyOfCopy.ownsTarget());
+
+    owner.reset();
     EXPECT_TRUE (destroyed);
-    EXPECT_FALSE (copyOfCopy.ownsTarget());
 }
 
 TEST (ConnectorOwnership, AssignmentFollowsTheSameRuleAsCopying)
@@ -181,7 +135,6 @@ TEST (ConnectorOwnership, AssignmentFollowsTheSameRuleAsCopying)
     CallLog log;
     bool ownedDestroyed = false;
     ChainSpy referred (log);
-
     Connector owning (new ChainSpy (log, &ownedDestroyed));
     auto target = Connector::referringTo (referred);
 
@@ -196,4 +149,45 @@ TEST (ConnectorOwnership, AssignmentFollowsTheSameRuleAsCopying)
     target = owning;
     EXPECT_TRUE (ownedDestroyed);
     EXPECT_EQ (target.getTarget(), &referred);
+}
+
+//==============================================================================
+TEST (ConnectedState, IsOnOnlyWhileTheTargetHoldsTheOnValueAndSwitchingWritesOnOrOff)
+{
+    int mode = 0;
+    Parameters::IntRef<int> target (mode, 0.0f, 7.0f);
+    ConnectedState state (Connector::referringTo (target), 3, 1);
+
+    for (const auto& [held, on] : { std::pair { 0, false }, { 3, true }, { 1, false }, { 5, false } })
+    {
+        mode = held;
+        EXPECT_EQ (state.getNormalised(), on ? 1.0f : 0.0f) << held;
+        EXPECT_EQ (state.getBool(), on) << held;
+    }
+
+    state.setNormalisedNotifying (0.51f);
+    EXPECT_EQ (mode, 3);
+    state.setNormalisedNotifying (0.5f);
+    EXPECT_EQ (mode, 1);
+    state.setBool (true);
+    EXPECT_EQ (mode, 3);
+}
+
+TEST (ConnectedState, GesturesAndUndoAreTheTargets)
+{
+    struct Undoable : Testing::ChainSpy
+    {
+        using ChainSpy::ChainSpy;
+        bool isUndoable() const override { return true; }
+    };
+
+    Testing::CallLog log;
+    Undoable target (log);
+    ConnectedState state (Connector::referringTo (target), 1, 0);
+    EXPECT_TRUE (state.isUndoable());
+
+    state.beginGesture();
+    EXPECT_TRUE (target.isInGesture() && state.isInGesture());
+    state.endGesture();
+    EXPECT_FALSE (target.isInGesture() || state.isInGesture());
 }

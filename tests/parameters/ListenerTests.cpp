@@ -10,8 +10,6 @@
 
 using namespace Orv;
 using Orv::Parameters::Connector;
-using Orv::Testing::CallLog;
-using Orv::Testing::ChainSpy;
 
 namespace
 {
@@ -21,108 +19,52 @@ constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
 struct Watched
 {
-    CallLog log;
-    ChainSpy spy { log };
-    int calls = 0;
+    explicit Watched (float initial) { spy.value = initial; }
 
-    Parameters::Listener makeListener (bool callNow)
+    void listen (bool callNow) { listener.emplace (Connector::referringTo (spy), [this] { ++calls; }, callNow); }
+
+    /** Sets the values in turn within one tick, then ticks; the calls since the last look. */
+    int callsAfter (std::initializer_list<float> values)
     {
-        return Parameters::Listener (Connector::referringTo (spy), [this] { ++calls; }, callNow);
+        for (auto v : values)
+            spy.value = v;
+        tick();
+        return std::exchange (calls, 0);
     }
+
+    Testing::CallLog log;
+    Testing::ChainSpy spy { log };
+    int calls = 0;
+    std::optional<Parameters::Listener> listener;
 };
 } // namespace
 
-TEST (ParameterListener, WithoutCallNowTheFirstTickOfAnUnmovedValueFiresNothing)
+TEST (ParameterListener, FiresOncePerExactMoveOnTheNextTick)
 {
-    Watched w;
-    w.spy.value = 0.4f;
-    auto listener = w.makeListener (false);
+    Watched w (0.5f);
+    w.listen (false);
 
-    tick();
+    EXPECT_EQ (w.callsAfter ({}), 0) << "an unmoved value";
+    EXPECT_EQ (w.callsAfter ({ 0.6f }), 1);
+    EXPECT_EQ (w.callsAfter ({}), 0) << "once per move, not per tick";
+    EXPECT_EQ (w.callsAfter ({ std::nextafter (0.6f, 1.0f) }), 1) << "the comparison is exact";
+    EXPECT_EQ (w.callsAfter ({ 0.9f, std::nextafter (0.6f, 1.0f) }), 0) << "a move and back within a tick";
+    EXPECT_EQ (w.callsAfter ({ notANumber }), 0);
+    EXPECT_EQ (w.callsAfter ({ notANumber }), 0);
 
-    EXPECT_EQ (w.calls, 0);
+    w.listener.reset();
+    EXPECT_EQ (w.callsAfter ({ 0.8f }), 0) << "a destroyed listener";
 }
 
-TEST (ParameterListener, CallNowFiresOnceAtConstructionAndNotAgainUntilAMove)
+TEST (ParameterListener, CallNowFiresOnceAtConstructionAndAStartFromNaNNever)
 {
-    Watched w;
-    auto listener = w.makeListener (true);
+    Watched w (0.4f);
+    w.listen (true);
     EXPECT_EQ (w.calls, 1);
+    w.calls = 0;
+    EXPECT_EQ (w.callsAfter ({}), 0);
 
-    tick();
-    EXPECT_EQ (w.calls, 1);
-}
-
-TEST (ParameterListener, FiresOncePerMoveNotOncePerTick)
-{
-    Watched w;
-    auto listener = w.makeListener (false);
-
-    w.spy.value = 0.6f;
-    tick();
-    EXPECT_EQ (w.calls, 1);
-
-    tick();
-    tick();
-    EXPECT_EQ (w.calls, 1);
-
-    w.spy.value = 0.2f;
-    tick();
-    EXPECT_EQ (w.calls, 2);
-}
-
-TEST (ParameterListener, TheSmallestMoveCountsBecauseTheComparisonIsExact)
-{
-    Watched w;
-    w.spy.value = 0.5f;
-    auto listener = w.makeListener (false);
-
-    w.spy.value = std::nextafter (0.5f, 1.0f);
-    tick();
-
-    EXPECT_EQ (w.calls, 1);
-}
-
-TEST (ParameterListener, AMoveAndBackWithinOneTickIsNotSeen)
-{
-    Watched w;
-    w.spy.value = 0.5f;
-    auto listener = w.makeListener (false);
-
-    w.spy.value = 0.9f;
-    w.spy.value = 0.5f;
-    tick();
-
-    EXPECT_EQ (w.calls, 0);
-}
-
-TEST (ParameterListener, NaNNeverFires)
-{
-    Watched w;
-    w.spy.value = 0.3f;
-    auto listener = w.makeListener (false);
-
-    w.spy.value = notANumber;
-    tick();
-    tick();
-    EXPECT_EQ (w.calls, 0);
-
-    Watched fromNaN;
-    fromNaN.spy.value = notANumber;
-    auto second = fromNaN.makeListener (false);
-    tick();
-    EXPECT_EQ (fromNaN.calls, 0);
-}
-
-TEST (ParameterListener, StopsListeningWhenDestroyed)
-{
-    Watched w;
-    std::optional<Parameters::Listener> listener;
-    listener.emplace (Connector::referringTo (w.spy), [&w] { ++w.calls; }, false);
-
-    listener.reset();
-    w.spy.value = 0.8f;
-    tick();
-
-    EXPECT_EQ (w.calls, 0);
+    Watched fromNaN (notANumber);
+    fromNaN.listen (false);
+    EXPECT_EQ (fromNaN.callsAfter ({}), 0);
 }

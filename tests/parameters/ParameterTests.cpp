@@ -1,4 +1,5 @@
 #include "ParameterTestDoubles.h"
+#include "parameters/MenuItems.h"
 
 #include <gtest/gtest.h>
 
@@ -24,78 +25,56 @@ public:
     float floatValue = 0.0f;
 };
 
-/** A discrete parameter whose text for a normalised value shows the value
-    it was asked about. */
-class FourSteps : public Parameters::DefaultGesture
+/** A discrete spy whose text for a normalised value shows the value asked about. */
+struct FourSteps : ChainSpy
 {
-public:
-    float getNormalised() const override { return normalised; }
-    void setNormalisedNotifying (float v) override { normalised = v; }
+    using ChainSpy::ChainSpy;
     juce::String getTextFor (float v) const override { return juce::String (v); }
     bool isDiscrete() const override { return true; }
     int getNumChoices() const override { return 4; }
-    int getInt() const override { return (int) std::lround (normalised * 4.0f); }
-    void setInt (int i) override { normalised = (float) i / 4.0f; }
-
-    float normalised = 0.0f;
 };
+
+MenuItems::Item makeEntry (const char* name, CallLog& log)
+{
+    MenuItems::Item item;
+    item.name = name;
+    item.func = [&log, name] { log.push_back (name); };
+    return item;
+}
 } // namespace
 
 //==============================================================================
-TEST (ParameterDefaults, SetIntTravelsTheWholeChainToTheNotifyingSetter)
+TEST (ParameterDefaults, SetIntTravelsTheWholeChainAndSetBoolSkipsSetNormalised)
 {
     CallLog log;
     ChainSpy p (log);
 
     p.setInt (1);
-
     EXPECT_EQ (log, (CallLog { "setInt", "setFloat", "setNormalised", "setNormalisedNotifying" }));
     EXPECT_FLOAT_EQ (p.value, 1.0f);
-}
 
-TEST (ParameterDefaults, SetBoolSkipsSetNormalisedAndGoesStraightToTheNotifyingSetter)
-{
-    CallLog log;
-    ChainSpy p (log);
-
-    p.setBool (true);
+    log.clear();
+    p.setBool (false);
     EXPECT_EQ (log, (CallLog { "setBool", "setNormalisedNotifying" }));
+    EXPECT_FLOAT_EQ (p.value, 0.0f);
+    p.setBool (true);
     EXPECT_FLOAT_EQ (p.value, 1.0f);
 
-    p.setBool (false);
-    EXPECT_FLOAT_EQ (p.value, 0.0f);
+    p.setFromText ("not a number");
+    EXPECT_FLOAT_EQ (p.value, 0.0f) << "text that is no number gives 0";
 }
 
-TEST (ParameterDefaults, SubclassServingOnlySetFloatReceivesSetIntAndText)
+TEST (ParameterDefaults, ASubclassServingOnlyTheFloatLinkGetsIntAndTextThereAndTruncatesItToZero)
 {
     FloatOnly p;
-
     p.setInt (3);
     EXPECT_FLOAT_EQ (p.received, 3.0f);
-
     p.setFromText ("2.5");
     EXPECT_FLOAT_EQ (p.received, 2.5f);
     EXPECT_FLOAT_EQ (p.normalised, 0.0f);
-}
-
-TEST (ParameterDefaults, GarbledTextGivesZero)
-{
-    CallLog log;
-    ChainSpy p (log);
-    p.value = 0.7f;
-
-    p.setFromText ("not a number");
-
-    EXPECT_FLOAT_EQ (p.value, 0.0f);
-}
-
-TEST (ParameterDefaults, GetIntTruncatesGetFloatTowardZero)
-{
-    FloatOnly p;
 
     p.floatValue = 2.9f;
     EXPECT_EQ (p.getInt(), 2);
-
     p.floatValue = -2.9f;
     EXPECT_EQ (p.getInt(), -2);
 }
@@ -104,37 +83,26 @@ TEST (ParameterDefaults, GetBoolIsFalseAtExactlyOneHalf)
 {
     CallLog log;
     ChainSpy p (log);
-
     p.value = 0.5f;
     EXPECT_FALSE (p.getBool());
-
     p.value = std::nextafter (0.5f, 1.0f);
     EXPECT_TRUE (p.getBool());
 }
 
-TEST (ParameterDefaults, TextShowsTheFloatValueAndTextForShowsThePresentValueNotTheArgument)
+TEST (ParameterDefaults, TextsShowThePresentValueNotTheArgumentAndNoIndexTextUnlessDiscrete)
 {
     FloatOnly p;
     p.floatValue = 12.25f;
     p.normalised = 0.75f;
-
     EXPECT_EQ (p.getText(), "12.25");
     EXPECT_EQ (p.getTextFor (0.1f), "0.75");
+    EXPECT_EQ (p.getTextForInt (1), "");
 }
 
-TEST (ParameterDefaults, TextForIntIsEmptyUnlessDiscrete)
+TEST (ParameterDefaults, DiscreteMenuListsEachIndexAndSetsItInsideAGesture)
 {
-    FloatOnly continuous;
-    EXPECT_EQ (continuous.getTextForInt (1), "");
-
-    FourSteps discrete;
-    EXPECT_EQ (discrete.getTextForInt (1), juce::String (0.25f));
-    EXPECT_EQ (discrete.getTextForInt (3), juce::String (0.75f));
-}
-
-TEST (ParameterDefaults, DiscreteMenuEntrySetsItsIndexInsideAGestureAndTicksTheCurrentOne)
-{
-    FourSteps p;
+    CallLog log;
+    FourSteps p (log);
     const auto menu = p.getMenuChoices();
 
     EXPECT_EQ (menu.type, MenuItems::Item::subMenuRoot);
@@ -144,76 +112,47 @@ TEST (ParameterDefaults, DiscreteMenuEntrySetsItsIndexInsideAGestureAndTicksTheC
     EXPECT_FALSE (menu.subItems[2].isSelected());
 
     menu.subItems[2].func();
-
+    EXPECT_EQ (log, (CallLog { "beginGesture", "setInt", "setFloat", "setNormalised", "setNormalisedNotifying", "endGesture" }));
     EXPECT_EQ (p.getInt(), 2);
     EXPECT_TRUE (menu.subItems[2].isSelected());
     EXPECT_FALSE (menu.subItems[0].isSelected());
     EXPECT_FALSE (p.isInGesture());
 }
 
-TEST (ParameterDefaults, MenuEntryOpensAndClosesAGestureAroundTheSetter)
-{
-    CallLog log;
-
-    struct DiscreteSpy : ChainSpy
-    {
-        using ChainSpy::ChainSpy;
-        bool isDiscrete() const override { return true; }
-        int getNumChoices() const override { return 2; }
-    } p (log);
-
-    p.getMenuChoices().subItems[1].func();
-
-    ASSERT_GE (log.size(), 3u);
-    EXPECT_EQ (log.front(), "beginGesture");
-    EXPECT_EQ (log[1], "setInt");
-    EXPECT_EQ (log.back(), "endGesture");
-}
-
-//==============================================================================
-TEST (ParameterReflect, SavesTheDisplayTextUnderValue)
+TEST (ParameterReflect, SavesTheTextUnderValueAndLoadsTextOrNumberThroughSetFromText)
 {
     FloatOnly p;
     p.floatValue = 4.5f;
-    Testing::FakeReflector saver (false);
+    EXPECT_EQ (Testing::save (p), nlohmann::json::parse (R"({"value":"4.5"})"));
 
-    p.reflect (saver);
-
-    ASSERT_EQ (saver.values.count ("value"), 1u);
-    EXPECT_EQ (saver.values["value"], ReflectedValue ("4.5"));
-}
-
-TEST (ParameterReflect, LoadsThroughSetFromText)
-{
-    FloatOnly p;
-    Testing::FakeReflector loader (true);
-    loader.values["value"] = ReflectedValue ("7.25");
-
-    p.reflect (loader);
-
+    Testing::load (R"({"value":"7.25"})", p);
     EXPECT_FLOAT_EQ (p.received, 7.25f);
-}
-
-TEST (ParameterReflect, LoadsANumberStoredAsNumber)
-{
-    FloatOnly p;
-    Testing::FakeReflector loader (true);
-    loader.values["value"] = ReflectedValue (3);
-
-    p.reflect (loader);
-
+    Testing::load (R"({"value":3})", p);
     EXPECT_FLOAT_EQ (p.received, 3.0f);
+
+    CallLog log;
+    ChainSpy untouched (log);
+    untouched.value = 0.7f;
+    Testing::load ("{}", untouched);
+    EXPECT_FLOAT_EQ (untouched.value, 0.7f);
+    EXPECT_TRUE (log.empty()) << "a load without the key leaves the value alone";
 }
 
-TEST (ParameterReflect, MissingKeyLeavesTheValueUntouched)
+TEST (MenuItemsSetRecursiveFunc, EveryLevelRunsItsOwnActionFirstThenEachAddedOneInOrder)
 {
     CallLog log;
-    ChainSpy p (log);
-    p.value = 0.7f;
-    Testing::FakeReflector loader (true);
+    auto root = makeEntry ("root", log);
+    auto branch = makeEntry ("branch", log);
+    branch.subItems.push_back (makeEntry ("leaf", log));
+    branch.subItems.emplace_back(); // without an action of its own
+    root.subItems.push_back (branch);
+    root.subItems.push_back (makeEntry ("sibling", log));
 
-    p.reflect (loader);
+    Orv::Parameters::setRecursiveFunc (root, [&log] { log.push_back ("+"); });
+    Orv::Parameters::setRecursiveFunc (root.subItems[1], [&log] { log.push_back ("++"); });
 
-    EXPECT_FLOAT_EQ (p.value, 0.7f);
-    EXPECT_TRUE (log.empty());
+    for (const auto* item : { &root, &root.subItems[0], &root.subItems[0].subItems[0], &root.subItems[0].subItems[1], &root.subItems[1] })
+        item->func();
+
+    EXPECT_EQ (log, (CallLog { "root", "+", "branch", "+", "leaf", "+", "+", "sibling", "+", "++" }));
 }

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -12,105 +11,64 @@ using namespace Orv;
 using Orv::Parameters::Connector;
 using Orv::Parameters::UpdatingConnector;
 using Orv::Testing::CallLog;
-using Orv::Testing::ChainSpy;
 
 namespace
 {
-struct ChainedTarget
+/** A spy with a menu of three entries, behind a connector whose update logs
+    itself and the spy's value and gesture state at that moment. */
+struct Updated
 {
-    CallLog log;
-    ChainSpy spy { log };
-    int updates = 0;
-    UpdatingConnector connector { Connector::referringTo (spy), [this] {
-                                     ++updates;
-                                     log.push_back ("update");
-                                 } };
-};
+    struct DiscreteSpy : Testing::ChainSpy
+    {
+        using ChainSpy::ChainSpy;
+        bool isDiscrete() const override { return true; }
+        int getNumChoices() const override { return 3; }
+    };
 
-/** A ChainSpy with a menu of three entries. */
-class DiscreteSpy : public ChainSpy
-{
-public:
-    using ChainSpy::ChainSpy;
-    bool isDiscrete() const override { return true; }
-    int getNumChoices() const override { return 3; }
+    CallLog log;
+    DiscreteSpy spy { log };
+    UpdatingConnector connector { Connector::referringTo (spy), [this] {
+                                     log.push_back ("update " + juce::String (spy.value).toStdString()
+                                                    + (spy.isInGesture() ? " in gesture" : ""));
+                                 } };
 };
 } // namespace
 
-TEST (UpdatingConnector, SetIntRunsTheFunctionOnceAfterTheWholeChainOfTheTarget)
+TEST (UpdatingConnector, EachSetterRunsTheUpdateOnceAfterTheTargetsWholeChain)
 {
-    ChainedTarget t;
+    const std::pair<std::function<void (Parameters::Parameter&)>, CallLog> cases[] = {
+        { [] (auto& p) { p.setInt (1); }, { "setInt", "setFloat", "setNormalised", "setNormalisedNotifying", "update 1" } },
+        { [] (auto& p) { p.setNormalised (0.1f); }, { "setNormalised", "setNormalisedNotifying", "update 0.1" } },
+        { [] (auto& p) { p.setBool (true); }, { "setBool", "setNormalisedNotifying", "update 1" } },
+        { [] (auto& p) { p.setFloat (0.3f); }, { "setFloat", "setNormalised", "setNormalisedNotifying", "update 0.3" } },
+        { [] (auto& p) { p.setNormalisedNotifying (0.4f); }, { "setNormalisedNotifying", "update 0.4" } },
+    };
 
-    t.connector.setInt (1);
-
-    EXPECT_EQ (t.updates, 1);
-    EXPECT_EQ (t.log, (CallLog { "setInt", "setFloat", "setNormalised", "setNormalisedNotifying", "update" }));
-}
-
-TEST (UpdatingConnector, EachSetterRunsTheFunctionExactlyOnceAfterTheChange)
-{
-    ChainedTarget t;
-    float seenInUpdate = -1.0f;
-    UpdatingConnector c (Connector::referringTo (t.spy), [&] {
-        ++t.updates;
-        seenInUpdate = t.spy.value;
-    });
-
-    c.setNormalised (0.1f);
-    EXPECT_EQ (t.updates, 1);
-    EXPECT_FLOAT_EQ (seenInUpdate, 0.1f);
-
-    c.setBool (true);
-    EXPECT_EQ (t.updates, 2);
-    EXPECT_FLOAT_EQ (seenInUpdate, 1.0f);
-
-    c.setFloat (0.3f);
-    EXPECT_EQ (t.updates, 3);
-    EXPECT_FLOAT_EQ (seenInUpdate, 0.3f);
-
-    c.setNormalisedNotifying (0.4f);
-    EXPECT_EQ (t.updates, 4);
-    EXPECT_FLOAT_EQ (seenInUpdate, 0.4f);
+    for (const auto& [set, expected] : cases)
+    {
+        Updated u;
+        set (u.connector);
+        EXPECT_EQ (u.log, expected);
+    }
 }
 
 TEST (UpdatingConnector, MenuEntryRunsItsActionThenTheUpdateWithTheGestureClosed)
 {
-    CallLog log;
-    DiscreteSpy spy (log);
-    bool gestureOpenDuringUpdate = true;
-    float valueDuringUpdate = -1.0f;
-    UpdatingConnector c (Connector::referringTo (spy), [&] {
-        log.push_back ("update");
-        gestureOpenDuringUpdate = spy.isInGesture();
-        valueDuringUpdate = spy.value;
-    });
-
-    const auto menu = c.getMenuChoices();
+    Updated u;
+    const auto menu = u.connector.getMenuChoices();
     ASSERT_EQ (menu.subItems.size(), 3u);
-    log.clear();
 
     menu.subItems[2].func();
-
-    ASSERT_FALSE (log.empty());
-    EXPECT_EQ (log.front(), "beginGesture");
-    EXPECT_EQ (log[log.size() - 2], "endGesture");
-    EXPECT_EQ (log.back(), "update");
-    EXPECT_EQ (std::count (log.begin(), log.end(), "update"), 1);
-    EXPECT_FALSE (gestureOpenDuringUpdate);
-    EXPECT_FLOAT_EQ (valueDuringUpdate, 2.0f);
+    EXPECT_EQ (u.log, (CallLog { "beginGesture", "setInt", "setFloat", "setNormalised", "setNormalisedNotifying", "endGesture", "update 2" }));
 }
 
-TEST (UpdatingConnector, MenuWithoutAFunctionIsAnErrorOfUse)
+TEST (UpdatingConnector, AMenuWithoutAFunctionIsAnErrorOfUseButTheSettersStayUsable)
 {
-    CallLog log;
-    DiscreteSpy spy (log);
-    UpdatingConnector c (Connector::referringTo (spy), {});
-
+    Updated u;
+    UpdatingConnector c (Connector::referringTo (u.spy), {});
     EXPECT_THROW (c.getMenuChoices(), std::bad_function_call);
-
-    // The setters stay usable without one.
-    EXPECT_NO_THROW (c.setInt (1));
-    EXPECT_FLOAT_EQ (spy.value, 1.0f);
+    c.setInt (1);
+    EXPECT_FLOAT_EQ (u.spy.value, 1.0f);
 }
 
 TEST (UpdatingConnector, OwnsTheTargetWhenCopiedFromAnOwningConnector)
@@ -124,7 +82,6 @@ TEST (UpdatingConnector, OwnsTheTargetWhenCopiedFromAnOwningConnector)
     }
 
     c->setInt (9);
-
     EXPECT_EQ (value, 0);
     EXPECT_EQ (updates, 1);
 }
