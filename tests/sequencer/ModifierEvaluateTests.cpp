@@ -12,6 +12,7 @@ using namespace Orv::Sequencer;
 using namespace Orv::Sequencer::Modifiers;
 using Orv::Testing::barsOf;
 using Orv::Testing::makeStep;
+using Orv::Testing::spansOf;
 
 namespace
 {
@@ -23,18 +24,6 @@ std::unique_ptr<StepPulseSequencer> makeSequence (double length, std::vector<Ste
     sequence->duration.duration = length;
     sequence->steps = std::move (steps);
     return sequence;
-}
-
-/** The spans of notes or heads, in list order. */
-template <typename Records>
-std::vector<Span> spansOf (const Records& records)
-{
-    std::vector<Span> spans;
-
-    for (const auto& r : records)
-        spans.push_back (r.time);
-
-    return spans;
 }
 
 PatternData evaluate (const Base& modifier)
@@ -51,7 +40,6 @@ std::unique_ptr<TimedSteps> makeTrack (double length, std::vector<Step> steps)
     track->pulses.push_back (makeSequence (length, std::move (steps)));
     return track;
 }
-
 } // namespace
 
 //==============================================================================
@@ -67,8 +55,7 @@ TEST (StepPulseSequencerEvaluate, ScalesEnabledStepsInListOrderWithoutClippingAn
     EXPECT_EQ (result.length, 2.0);
     EXPECT_EQ (spansOf (result.notes), (std::vector<Span> { { 1.5, 1.0 }, { 0.5, 1.0 } }));
     EXPECT_EQ (result.notes[0].event.gain, 0.25f) << "the note keeps what the step carries";
-    ASSERT_EQ (result.heads.size(), 1u);
-    EXPECT_EQ (result.heads[0].time, (Span { 0.0, 2.0 }));
+    ASSERT_EQ (spansOf (result.heads), (std::vector<Span> { { 0.0, 2.0 } }));
     EXPECT_EQ (result.heads[0].event, sequence->playHead.get());
     EXPECT_TRUE (result.heads[0].enabled);
 }
@@ -87,27 +74,9 @@ TEST (StepPulseSequencerEvaluate, EdgeLengths)
     EXPECT_EQ (result.length, 3.0);
     EXPECT_TRUE (result.heads.empty()) << "no steps, no head";
 
-    StepPulseSequencer fresh;
-    ASSERT_EQ (fresh.steps.size(), 1u);
-    EXPECT_FALSE (fresh.steps[0].enabled);
-    EXPECT_EQ (fresh.steps[0].time, (Span { 0.0, 0.98 }));
-    result = evaluate (fresh);
+    result = evaluate (StepPulseSequencer()); // one disabled step
     EXPECT_TRUE (result.notes.empty());
-    EXPECT_EQ (result.heads.size(), 1u);
-}
-
-TEST (StepPulseSequencerEvaluate, ACopyHasItsOwnHeadAndNoListeners)
-{
-    StepPulseSequencer original;
-    original.name = "seq";
-    Orv::Events::Listener listener (original.getBroadcaster(), {});
-
-    auto clone = original.clone();
-    auto& copy = dynamic_cast<StepPulseSequencer&> (*clone);
-
-    EXPECT_NE (copy.playHead.get(), original.playHead.get());
-    EXPECT_EQ (copy.name, "seq");
-    EXPECT_EQ (copy.getBroadcaster().getNumListeners(), 0);
+    EXPECT_EQ (result.heads.size(), 1u) << "a disabled step still makes the head";
 }
 
 //==============================================================================
@@ -134,14 +103,22 @@ TEST (ClipEvaluate, KeepsTheSpanMovedToZeroWithTheSpansLength)
     EXPECT_EQ (result.notes.size(), 4u);
 }
 
-TEST (ClipEvaluate, ACopyHoldsACopyOfTheModifier)
+TEST (ModifierCopies, ASequenceGetsItsOwnHeadAndNoListenersAndAClipItsOwnModifier)
 {
+    StepPulseSequencer original;
+    original.name = "seq";
+    Orv::Events::Listener listener (original.getBroadcaster(), {});
+    auto clone = original.clone();
+    auto& copy = dynamic_cast<StepPulseSequencer&> (*clone);
+    EXPECT_NE (copy.playHead.get(), original.playHead.get());
+    EXPECT_EQ (copy.name, "seq");
+    EXPECT_EQ (copy.getBroadcaster().getNumListeners(), 0);
+
     Clip clip;
     clip.mod.set (makeSequence (2.0, {}));
-    Clip copy (clip);
-
-    EXPECT_NE (&copy.mod.get(), &clip.mod.get());
-    EXPECT_NE (dynamic_cast<StepPulseSequencer*> (&copy.mod.get()), nullptr);
+    Clip clipCopy (clip);
+    EXPECT_NE (&clipCopy.mod.get(), &clip.mod.get());
+    EXPECT_NE (dynamic_cast<StepPulseSequencer*> (&clipCopy.mod.get()), nullptr);
 }
 
 TEST (ModRefEvaluate, ForwardsToItsTargetAndACloneSharesIt)

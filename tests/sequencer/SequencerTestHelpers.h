@@ -37,6 +37,16 @@ inline Sequencer::Step makeStep (double start, double length, int noteNum = 64)
     return step;
 }
 
+/** The spans of steps, notes or heads, in list order. */
+template <typename Records>
+std::vector<Ranges::Span<double>> spansOf (const Records& records)
+{
+    std::vector<Ranges::Span<double>> spans;
+    for (const auto& r : records)
+        spans.push_back (r.time);
+    return spans;
+}
+
 /** A time of the given bars. */
 inline Sequencer::Modifiers::MusicalTime barsOf (std::vector<Sequencer::Modifiers::Bar> bars)
 {
