@@ -262,6 +262,16 @@ TEST (EventsContainerEvaluate, SoloChannelsAndEdges)
     EXPECT_TRUE (evaluate (container).notes.empty());
 }
 
+TEST (EventsContainerEvaluate, ATinyTrackUnderAHugeLoopStopsAtTheRepetitionCap)
+{
+    EventsContainer container;
+    container.loopTime = barsOf ({ { 2000000000, 1 } });
+    container.tracks.push_back (makeTrack (1.0e-3, { makeStep (0.0, 0.5) }));
+
+    const auto result = evaluate (container);
+    EXPECT_EQ (result.heads.size(), (size_t) EventsContainer::maxRepetitionsPerTrack);
+}
+
 TEST (LoopFitterEvaluate, AddsItsHeadOverTheLoopAndSorts)
 {
     LoopFitter fitter;
