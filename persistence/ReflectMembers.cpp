@@ -84,16 +84,31 @@ int doubleAsInt (double value)
     return static_cast<int> (std::clamp (std::trunc (value), lowest, highest));
 }
 
-/** The loaded value of a member that reads as a double, or nothing. */
-bool loadDouble (Reflector& reflector, const std::string& key, double& member)
+/** A value of any tag but empty as a double; text goes through the
+    string-to-double parse and may throw. */
+double valueAsDouble (const ReflectedValue& value)
 {
+    return value.getTag() == ReflectedValue::Tag::text ? textAsDouble (value.getText()) : numberAsDouble (value);
+}
+
+/** The one shape of every member helper: a save writes `saved`; a load reads
+    the key and, unless it is absent or not a scalar, hands the value to
+    `read`. Returns whether a value was written or read. */
+template <typename Saved, typename Read>
+bool reflectScalar (Reflector& reflector, const std::string& key, const Saved& saved, Read&& read)
+{
+    if (! reflector.isLoading())
+    {
+        reflector.setValue (key, ReflectedValue (saved));
+        return true;
+    }
+
     const auto value = reflector.getValue (key);
 
     if (value.isEmpty())
         return false;
 
-    member = value.getTag() == ReflectedValue::Tag::text ? textAsDouble (value.getText())
-                                                          : numberAsDouble (value);
+    read (value);
     return true;
 }
 } // namespace
@@ -101,110 +116,61 @@ bool loadDouble (Reflector& reflector, const std::string& key, double& member)
 //==============================================================================
 bool addMember (Reflector& reflector, const std::string& key, bool& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (member));
-        return true;
-    }
-
-    const auto value = reflector.getValue (key);
-
-    switch (value.getTag())
-    {
-        case ReflectedValue::Tag::empty:   return false;
-        case ReflectedValue::Tag::boolean: member = value.getBool(); break;
-        case ReflectedValue::Tag::text:    member = textAsInt (value.getText()) >= 1; break;
-        case ReflectedValue::Tag::integer: member = value.getInteger() >= 1; break;
-        case ReflectedValue::Tag::real:    member = value.getReal() >= 1.0; break;
-    }
-
-    return true;
+    return reflectScalar (reflector, key, member, [&member] (const ReflectedValue& value) {
+        switch (value.getTag())
+        {
+            case ReflectedValue::Tag::boolean: member = value.getBool(); break;
+            case ReflectedValue::Tag::text:    member = textAsInt (value.getText()) >= 1; break;
+            case ReflectedValue::Tag::integer: member = value.getInteger() >= 1; break;
+            case ReflectedValue::Tag::real:    member = value.getReal() >= 1.0; break;
+            case ReflectedValue::Tag::empty:   break;
+        }
+    });
 }
 
 bool addMember (Reflector& reflector, const std::string& key, int& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (member));
-        return true;
-    }
-
-    const auto value = reflector.getValue (key);
-
-    switch (value.getTag())
-    {
-        case ReflectedValue::Tag::empty:   return false;
-        case ReflectedValue::Tag::boolean: member = value.getBool() ? 1 : 0; break;
-        case ReflectedValue::Tag::integer: member = static_cast<int> (value.getInteger()); break;
-        case ReflectedValue::Tag::real:    member = doubleAsInt (value.getReal()); break;
-        case ReflectedValue::Tag::text:    member = textAsInt (value.getText()); break;
-    }
-
-    return true;
+    return reflectScalar (reflector, key, member, [&member] (const ReflectedValue& value) {
+        switch (value.getTag())
+        {
+            case ReflectedValue::Tag::boolean: member = value.getBool() ? 1 : 0; break;
+            case ReflectedValue::Tag::integer: member = static_cast<int> (value.getInteger()); break;
+            case ReflectedValue::Tag::real:    member = doubleAsInt (value.getReal()); break;
+            case ReflectedValue::Tag::text:    member = textAsInt (value.getText()); break;
+            case ReflectedValue::Tag::empty:   break;
+        }
+    });
 }
 
 bool addMember (Reflector& reflector, const std::string& key, double& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (member));
-        return true;
-    }
-
-    return loadDouble (reflector, key, member);
+    return reflectScalar (reflector, key, member, [&member] (const ReflectedValue& value) {
+        member = valueAsDouble (value);
+    });
 }
 
 bool addMember (Reflector& reflector, const std::string& key, float& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (static_cast<double> (member)));
-        return true;
-    }
-
-    double wide = 0.0;
-
-    if (! loadDouble (reflector, key, wide))
-        return false;
-
-    constexpr auto highest = static_cast<double> (std::numeric_limits<float>::max());
-    member = std::isnan (wide) ? std::numeric_limits<float>::quiet_NaN()
-                               : static_cast<float> (std::clamp (wide, -highest, highest));
-    return true;
+    return reflectScalar (reflector, key, static_cast<double> (member), [&member] (const ReflectedValue& value) {
+        constexpr auto highest = static_cast<double> (std::numeric_limits<float>::max());
+        const auto wide = valueAsDouble (value);
+        member = std::isnan (wide) ? std::numeric_limits<float>::quiet_NaN()
+                                   : static_cast<float> (std::clamp (wide, -highest, highest));
+    });
 }
 
 bool addMember (Reflector& reflector, const std::string& key, juce::String& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (member.toStdString()));
-        return true;
-    }
-
-    const auto value = reflector.getValue (key);
-
-    if (value.isEmpty())
-        return false;
-
-    const auto text = value.toText();
-    member = juce::String::fromUTF8 (text.data(), static_cast<int> (text.size()));
-    return true;
+    return reflectScalar (reflector, key, member.toStdString(), [&member] (const ReflectedValue& value) {
+        const auto text = value.toText();
+        member = juce::String::fromUTF8 (text.data(), static_cast<int> (text.size()));
+    });
 }
 
 bool addMember (Reflector& reflector, const std::string& key, Version& member)
 {
-    if (! reflector.isLoading())
-    {
-        reflector.setValue (key, ReflectedValue (member.toString()));
-        return true;
-    }
-
-    const auto value = reflector.getValue (key);
-
-    if (value.isEmpty())
-        return false;
-
-    member = Version::fromString (value.toText());
-    return true;
+    return reflectScalar (reflector, key, member.toString(), [&member] (const ReflectedValue& value) {
+        member = Version::fromString (value.toText());
+    });
 }
 } // namespace Orv
