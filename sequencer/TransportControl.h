@@ -1,20 +1,55 @@
 #pragma once
 
+#include "sequencer/BPMParameter.h"
+#include "sequencer/Swing.h"
+#include "sequencer/SwingParam.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
 #include <atomic>
 #include <cstdint>
+#include <memory>
+
+namespace Orv
+{
+class Reflector;
+}
 
 namespace Orv::Sequencer
 {
-/** The transport as the GUI and the block share it. Every field is an atomic
-    word: the block writes where the clock stands, the GUI reads it, and the GUI
-    may move the internal clock by writing the position and sample time. */
+/** The transport as the GUI and the block share it, and the tempo and swing
+    that a pattern preset keeps under "Transport".
+
+    The clock's fields are atomic words: the block writes where the clock
+    stands, the GUI reads it, and the GUI may move the internal clock by
+    writing the position and sample time. The swing parameters are read on
+    the message thread only, when the slots are rebuilt. */
 class TransportControl
 {
 public:
-    static constexpr float defaultTempo = 100.0f;
+    /** Message thread. */
+    TransportControl();
+    ~TransportControl();
 
-    /** Tempo in beats per minute: the internal clock's, or the host's last. */
-    std::atomic<float> tempo { defaultTempo };
+    /** "BPM" as {"value": text}, then "Swing" and "SwingRef" each as
+        {"Value": text}. A load sets the swing parameters without telling
+        their listeners; whoever runs the load rebuilds. Message thread. */
+    void reflect (Reflector& reflector);
+
+    /** Message thread: the swing curve that the present swing settings give. */
+    SwingPair swingPair() const;
+
+    /** The tempo of the internal clock, which the block also overwrites with
+        the host's tempo whenever the host gives one. */
+    BPMParameter bpm;
+    /** Until the host parameter list adopts them, the swing parameters are
+        owned here. */
+    std::unique_ptr<SwingParam> swing;
+    std::unique_ptr<juce::AudioParameterChoice> swingRef;
+
+    /** Tempo in beats per minute: the internal clock's, or the host's last.
+        The same word as the BPM parameter's. */
+    std::atomic<float>& tempo { bpm.getAtomic() };
     /** True while the internal clock runs, or while the host plays. */
     std::atomic<bool> running { false };
     /** Position in quarter notes at the end of the last block. */
@@ -23,5 +58,7 @@ public:
     std::atomic<int64_t> sampleTime { 0 };
     /** Runs the sequencer on the internal clock even while the host plays. */
     std::atomic<bool> forceInternalClock { false };
+
+    JUCE_DECLARE_NON_COPYABLE (TransportControl)
 };
 } // namespace Orv::Sequencer
