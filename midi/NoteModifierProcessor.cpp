@@ -1,5 +1,7 @@
 #include "midi/NoteModifierProcessor.h"
 
+#include "midi/SevenBitScale.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,8 +13,6 @@ namespace
     constexpr int highestNote = 127;
     constexpr int maxVelocity = 127;
     constexpr int firstChannel = 1;
-    // A MIDI velocity to 0..1, as a float that the family's other code shares.
-    constexpr float velocityScale = 0.007874016f;
 
     uint8_t toMidiVelocity (float velocity)
     {
@@ -92,7 +92,7 @@ void NoteModifierProcessor::startNote (const juce::MidiMessage& message, int sam
     // leaves here has exactly one off.
     endNote (note, sample);
 
-    const ActiveNote record { note, mapped, (float) message.getVelocity() * velocityScale, message.getChannel() };
+    const ActiveNote record { note, mapped, (float) message.getVelocity() * sevenBitScale, message.getChannel() };
 
     // Never grows on the audio thread: there is at most one record per note.
     if (active.size() < active.capacity())
