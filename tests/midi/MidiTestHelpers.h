@@ -1,6 +1,7 @@
 #pragma once
 
 #include "midi/MidiProcessorBase.h"
+#include "parameters/DefaultGesture.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
@@ -68,4 +69,18 @@ inline std::vector<std::string> run (Midi::MidiProcessorBase& stage, const std::
 }
 
 using Lines = std::vector<std::string>;
+
+/** A parameter over a plain float that counts the notifying sets it gets. */
+struct CountingParameter : Parameters::DefaultGesture
+{
+    float getNormalised() const override { return value; }
+    void setNormalisedNotifying (float v) override
+    {
+        value = v;
+        ++notified;
+    }
+
+    float value = 0.0f;
+    int notified = 0;
+};
 } // namespace Orv::Testing
