@@ -1,5 +1,8 @@
 #include "core/Processor.h"
 
+#include "midi/Keyswitches.h"
+#include "midi/SlotHandler.h"
+
 namespace Orv::Audio::Plugins::Halvane
 {
 namespace
@@ -37,6 +40,13 @@ Processor::Processor()
         reserve (*buffer);
 
     matchedHandlers.reserve (maxMatchedHandlers);
+
+    // The keyswitches exist before the ring's listener, so that they reach the
+    // block in one copy below rather than one per handler.
+    for (int slot = 0; slot < Keyswitches::numSlots; ++slot)
+        createHandle (learnSource, Keyswitches::notes[(size_t) slot], slot, [this] (int s) {
+            midiProcessor.setPendingSlot (s);
+        });
 
     // Every change of the handler list reaches the block as a fresh copy.
     learnStateListener.setCallback ([this] { publishLearnState(); });

@@ -42,6 +42,9 @@ public:
     /** Audio thread reads, tests inspect: the block's clock. */
     const InternalPlayHead& getInternalPlayHead() const noexcept { return internalPlayHead; }
 
+    /** Audio thread only; tests inspect: the note path. */
+    MidiProcessor& getMidiProcessor() noexcept { return midiProcessor; }
+
 private:
     //==============================================================================
     // The stages of one block, in their binding order.

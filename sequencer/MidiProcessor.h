@@ -4,6 +4,8 @@
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
+#include <cstdint>
+
 namespace Orv::Audio::Plugins::Halvane
 {
 /** The whole note path, from the learned and filtered input to the arp's
@@ -23,5 +25,18 @@ public:
                       const juce::MidiBuffer& in,
                       juce::MidiBuffer& out,
                       const PlayHeadTransportView& blockView);
+
+    /** The value of getPendingSlot() when no slot is asked for. */
+    static constexpr int noSlot = -1;
+
+    /** Audio thread, from the keyswitch handlers: asks for a slot to be
+        (re)started. */
+    void setPendingSlot (int slot) noexcept { pendingSlot = slot; }
+
+    /** Audio thread: the slot asked for and not yet taken up, or noSlot. */
+    int getPendingSlot() const noexcept { return pendingSlot; }
+
+private:
+    int32_t pendingSlot = noSlot;
 };
 } // namespace Orv::Audio::Plugins::Halvane
