@@ -198,7 +198,9 @@ TEST (ProcessorClock, TheTransportFollowsAPlayingHostAndOtherwiseRunsOnTheIntern
         EXPECT_EQ (state.transport.tempo.load(), c.tempo) << c.what;
         EXPECT_EQ (state.transport.running.load(), c.running) << c.what;
         if (c.host.hasValue() && c.host->getIsPlaying() && ! c.forceInternal)
+        {
             EXPECT_EQ (state.transport.sampleTime.load(), *c.host->getTimeInSamples() + blockSize) << c.what;
+        }
     }
 }
 
