@@ -65,6 +65,7 @@ void LivePatterns::queueActiveKeyswitch()
 void LivePatterns::reflect (Reflector& reflector)
 {
     ChildContainerSerializer<OwnedVector<Pattern>> (patterns, "Patterns", "Pattern").add (reflector);
+    // The base's own reflect writes the "Sequencer" node; this one hides it.
     reflector.addChild ("Sequencer", static_cast<LiveState&> (*this));
 
     if (! reflector.isLoading())
