@@ -167,32 +167,6 @@ TEST_F (NoteSchedulerTest, ChannelIsLimitedAndUsedAsTheNibbleAndTheRowIsMaskedTo
     }
 }
 
-TEST_F (NoteSchedulerTest, RandomVelocityOffsetIsAddedOnlyWhenTheBoundsDiffer)
-{
-    const struct
-    {
-        float low;
-        float high;
-        float minVelocity;
-        float maxVelocity;
-    } cases[] = { { 0.5f, 0.5f, 0.1f, 0.1f }, { -0.3f, -0.3f, 0.1f, 0.1f }, { 0.5f, 0.6f, 0.6f, 0.7f } };
-
-    for (const auto& c : cases)
-    {
-        NoteScheduler fresh;
-        data.notes = { makeStep (0.0, 1.0) };
-        data.notes[0].event.velocity = 0.1f;
-        data.notes[0].event.randomVelocityLow = c.low;
-        data.notes[0].event.randomVelocityHigh = c.high;
-        fresh.run (clock.linear (0.0, perSample, 4), data, triggers);
-
-        ASSERT_EQ (fresh.getOutput().getNumEvents(), 1);
-        const int velocity = (*fresh.getOutput().begin()).data[2];
-        EXPECT_GE (velocity, NoteScheduler::midiVelocity (c.minVelocity)) << c.low << " " << c.high;
-        EXPECT_LE (velocity, NoteScheduler::midiVelocity (c.maxVelocity)) << c.low << " " << c.high;
-    }
-}
-
 //==============================================================================
 TEST_F (NoteSchedulerTest, PlayHeadsShowProgressWhilePlayedAndStopWhenLeft)
 {
