@@ -74,7 +74,8 @@ public:
         pattern times. */
     const Audio::InternalPlayHead& getClock() const noexcept { return clock; }
 
-    /** The note logic, for seeding its generator in tests. */
+    /** Any thread that owns the runner: the note logic, e.g. to seed its
+        generator for a repeatable run. */
     NoteScheduler& getScheduler() noexcept { return scheduler; }
 
 private:
