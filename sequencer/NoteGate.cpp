@@ -8,14 +8,14 @@ void NoteGate::process (juce::MidiBuffer& buffer, bool shouldBeActive, bool quie
 {
     using namespace NoteMessage;
 
+    bool releaseFirst = false;
+
     if (shouldBeActive != active)
     {
         active = shouldBeActive;
 
-        // The controller is turned into note-offs below, like one that came
-        // from outside, so that both paths release in the same way.
         if (! active || ! quiet)
-            addController (buffer, 0, allNotesOffController, 0, 0);
+            releaseFirst = true;
         else
             table.fill (0);
     }
@@ -23,6 +23,12 @@ void NoteGate::process (juce::MidiBuffer& buffer, bool shouldBeActive, bool quie
     // After a swap this holds the caller's old storage: keep it as roomy as ours.
     midi.ensureSize (NoteMessage::bufferBytes);
     midi.clear();
+
+    // The release comes before the buffer's own events, as an all-notes-off
+    // ahead of them would: a note that starts at sample 0 with the switch is
+    // not one of those released.
+    if (releaseFirst)
+        releaseAll (0);
 
     for (const auto event : buffer)
     {

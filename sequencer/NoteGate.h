@@ -24,9 +24,9 @@ public:
 
     /** Audio thread; never blocks. Tracks the notes of `buffer` and rewrites
         it in place. A change of `active` to false, or to true unless `quiet`,
-        releases every tracked note at sample 0; a quiet activation forgets
-        them instead, for a source that takes over from another whose notes
-        are released elsewhere. */
+        releases every tracked note at sample 0, ahead of the buffer's own
+        events; a quiet activation forgets them instead, for a source that
+        takes over from another whose notes are released elsewhere. */
     void process (juce::MidiBuffer& buffer, bool active, bool quiet);
 
     /** Any thread that owns the gate: the state given to the last process(). */

@@ -86,4 +86,17 @@ TEST (NoteGate, SwitchingReleasesTrackedNotesUnlessAQuietActivationForgetsThem)
         EXPECT_EQ (eventsOf (buffer), c.releasedLater) << "what is left after the switch";
     }
 }
+
+TEST (NoteGate, ANoteThatStartsWithTheSwitchIsNotReleasedByIt)
+{
+    NoteGate gate;
+    auto buffer = someNotes();
+    gate.process (buffer, true, true);
+
+    buffer.clear();
+    NoteMessage::addNoteOn (buffer, 0, 72, 90, 0);
+    gate.process (buffer, false, false);
+    EXPECT_EQ (eventsOf (buffer), Words ({ "-0:60@0", "-1:64@0", "+0:72@0" }));
+    EXPECT_TRUE (gate.isOn (0, 72));
+}
 } // namespace
