@@ -36,6 +36,13 @@ Processor::Processor()
 {
     transport = &state->transport;
 
+    // Every rebuild of the patterns reaches the block as a fresh copy.
+    auto& sequencer = state->sequencer;
+    liveSlots.push (sequencer.liveSlots);
+    liveSlotsListener.setCallback ([this, &sequencer] { liveSlots.push (sequencer.liveSlots); });
+    sequencer.slotsBroadcaster.add (liveSlotsListener);
+    currentSlots = &liveSlots.current();
+
     for (auto* buffer : { &scratchMidi, &threeByteMidi, &noteMidi, &otherMidi, &chunkOutMidi, &chunkInMidi })
         reserve (*buffer);
 
@@ -107,7 +114,8 @@ void Processor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer
 //==============================================================================
 void Processor::acquireSnapshots()
 {
-    // The learn state is taken where its loop runs; pattern slots join here.
+    // The learn state is taken where its loop runs.
+    currentSlots = &liveSlots.acquire();
 }
 
 void Processor::followHostTempo()
@@ -166,9 +174,22 @@ void Processor::publishClock()
     transport->sampleTime.store (internalPlayHead.getInfo().getTimeInSamples().orFallback (0));
 }
 
-void Processor::injectQueuedMessages (juce::MidiBuffer&)
+void Processor::injectQueuedMessages (juce::MidiBuffer& midi)
 {
-    // Pads' keyswitch notes are queued here by the pattern slots; none yet.
+    auto& sequencer = state->sequencer;
+    if (sequencer.getNumQueued() == 0)
+        return;
+
+    // A pad's keyswitch comes before any note of the host at sample 0, so
+    // that the host's notes of this block already meet the new pattern.
+    reserve (scratchMidi);
+    scratchMidi.clear();
+    sequencer.drainQueue (scratchMidi);
+
+    for (const auto event : midi)
+        scratchMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+
+    midi.swapWith (scratchMidi);
 }
 
 //==============================================================================
@@ -258,13 +279,18 @@ void Processor::runLearnAndChunks (const juce::MidiBuffer& midi, int numSamples,
 
         // Whatever came before the claimed event must have played before the
         // handler changes anything, e.g. the pattern in force.
-        done += midiProcessor.processChunk (done, t, chunkInMidi, chunkOutMidi, view);
+        done += runChunk (done, t, view);
 
         for (auto* handler : matchedHandlers)
             handler->handle (message);
     }
 
-    midiProcessor.processChunk (done, numSamples, chunkInMidi, chunkOutMidi, view);
+    runChunk (done, numSamples, view);
+}
+
+int Processor::runChunk (int from, int to, const PlayHeadTransportView& view)
+{
+    return midiProcessor.processChunk (from, to, { chunkInMidi, chunkOutMidi, view, *state, *currentSlots });
 }
 
 void Processor::mergeOtherEvents (juce::MidiBuffer& midi)

@@ -6,6 +6,7 @@
 #include "core/PluginProcessor.h"
 #include "core/State.h"
 #include "midi/LearnState.h"
+#include "sequencer/LiveSlots.h"
 #include "sequencer/MidiProcessor.h"
 
 #include <vector>
@@ -57,6 +58,7 @@ private:
     void foldToChannelOne (juce::MidiBuffer& midi);
     void splitNotesFromOthers (juce::MidiBuffer& midi);
     void runLearnAndChunks (const juce::MidiBuffer& midi, int numSamples, const PlayHeadTransportView& view);
+    int runChunk (int from, int to, const PlayHeadTransportView& view);
     void mergeOtherEvents (juce::MidiBuffer& midi);
     void renderAudio (juce::AudioBuffer<float>& buffer, const juce::MidiBuffer& midi);
 
@@ -65,6 +67,10 @@ private:
 
     //==============================================================================
     Sequencer::TransportControl* transport = nullptr;
+    GUIToRealTime<Sequencer::LiveSlots, 5> liveSlots;
+    Orv::Events::Listener liveSlotsListener;
+    /** The slots acquired at the start of the block in hand. */
+    const Sequencer::LiveSlots* currentSlots = nullptr;
     InternalPlayHead internalPlayHead;
     MidiProcessor midiProcessor;
 

@@ -1,25 +1,164 @@
 #include "sequencer/MidiProcessor.h"
 
+#include "sequencer/NoteMessage.h"
+
 namespace Orv::Audio::Plugins::Halvane
 {
-void MidiProcessor::prepare (double, int) {}
+namespace NoteMessage = Sequencer::NoteMessage;
 
-int MidiProcessor::processChunk (int from,
-                                 int to,
-                                 const juce::MidiBuffer& in,
-                                 juce::MidiBuffer& out,
-                                 const PlayHeadTransportView&)
+MidiProcessor::MidiProcessor()
+{
+    for (auto* buffer : { &workMidi, &arpOutMidi, &arpStageMidi })
+        buffer->ensureSize (NoteMessage::bufferBytes);
+}
+
+void MidiProcessor::prepare (double, int samplesPerBlock) { metaSlot.prepare (samplesPerBlock); }
+
+//==============================================================================
+int MidiProcessor::processChunk (int from, int to, const ChunkContext& context)
 {
     const auto count = to - from;
     if (count <= 0)
         return count;
 
-    // Until the arp engine stands here, the span's own events pass through.
-    // Earlier spans' events are still in `in` and must not pass twice.
-    for (const auto metadata : in)
-        if (metadata.samplePosition >= from && metadata.samplePosition < to)
-            out.addEvent (metadata.data, metadata.numBytes, metadata.samplePosition);
+    // Events of earlier spans are still in the input after a claimed event:
+    // each runs in the span that holds it, and only there, so that a note
+    // never passes the chain twice.
+    copySpan (context.in, from, to);
 
+    const auto span = context.blockView.subView (from, count);
+    const auto& settings = context.state.arp;
+    const auto playerActive = context.state.filePlayerActive.load();
+    const auto octaves = settings.getOctaves();
+
+    selectSource (context, span);
+    runChain (settings, octaves, playerActive);
+
+    context.slots.live->quantize.store (ArpSettings::quantizeLengthFor (settings.quantize.load()));
+
+    arpOutMidi.clear();
+    chordMap.setOctaveRange (octaves.low, octaves.high);
+
+    const auto notePassed = runNotes (context, span, playerActive);
+
+    // Off, the chain's notes pass on and the arp's are dropped; a change of
+    // the switch releases all that the gate has let through.
+    const auto arpOn = settings.arpActive.load() > ArpSettings::arpOff;
+    if (arpOn)
+        workMidi.swapWith (arpOutMidi);
+
+    arpGate.process (workMidi, arpOn, false);
+
+    if (notePassed)
+        context.state.pitchMap.publish (chordMap);
+
+    context.out.addEvents (workMidi, 0, -1, from);
+    return count;
+}
+
+void MidiProcessor::copySpan (const juce::MidiBuffer& in, int from, int to)
+{
+    workMidi.clear();
+
+    for (const auto event : in)
+        if (event.samplePosition >= from && event.samplePosition < to)
+            workMidi.addEvent (event.data, event.numBytes, event.samplePosition - from);
+}
+
+bool MidiProcessor::filePlayerDrives (const ChunkContext&, const PlayHeadTransportView&) const noexcept
+{
+    // The file player takes over from the keys while it is active and
+    // playing and the clock plays. It is not built yet, so the keys drive.
+    return false;
+}
+
+void MidiProcessor::selectSource (const ChunkContext& context, const PlayHeadTransportView& span)
+{
+    if (filePlayerDrives (context, span))
+    {
+        // The keys are not heard while the file plays; what they held ends.
+        workMidi.clear();
+        inputGate.process (workMidi, false, false);
+        // The file player's notes join the buffer here once it exists.
+        playerGate.process (workMidi, true, true);
+        return;
+    }
+
+    playerGate.process (workMidi, false, false);
+    inputGate.process (workMidi, true, false);
+}
+
+void MidiProcessor::runChain (const ArpSettings& settings, ArpSettings::Octaves octaves, bool playerActive)
+{
+    sustain.process (workMidi);
+
+    const auto semitones = playerActive ? settings.key.load() : settings.transpose.load();
+    transpose.setOffset (semitones + ArpSettings::notesPerOctave * settings.octave.load());
+    transpose.process (workMidi);
+
+    noteLimit.setLimits (ArpSettings::notesPerOctave * octaves.low, ArpSettings::notesPerOctave * octaves.high);
+    noteLimit.process (workMidi);
+}
+
+bool MidiProcessor::runNotes (const ChunkContext& context, const PlayHeadTransportView& span, bool playerActive)
+{
+    const auto& live = *context.slots.live;
+    const auto retrigger = context.state.arp.retrigger.load();
+    bool notePassed = false;
+    int done = 0;
+
+    // Anything but a note stays where it is in the working buffer.
+    for (const auto event : workMidi)
+    {
+        if (! NoteMessage::isNote (event))
+            continue;
+
+        notePassed = true;
+
+        // The pattern plays up to the note with the chord as it was.
+        if (event.samplePosition > done)
+            done += runArpStage (done, event.samplePosition, span, context.slots);
+
+        const auto note = NoteMessage::noteOf (event);
+        const auto isOn = NoteMessage::isNoteOn (event);
+
+        if (isOn)
+            chordMap.hold (note);
+        else
+            chordMap.release (note);
+
+        // Releasing part of a chord keeps the table: the arp plays the whole
+        // chord on until a new note comes or the last one goes. The player's
+        // notes always count at once.
+        if (playerActive || isOn || ! chordMap.hasHeldNotes())
+            chordMap.rebuild();
+
+        if (retrigger && isOn)
+            pendingSlot = live.active.load();
+    }
+
+    runArpStage (done, span.getCount(), span, context.slots);
+    return notePassed;
+}
+
+int MidiProcessor::runArpStage (int from, int to, const PlayHeadTransportView& span, const Sequencer::LiveSlots& slots)
+{
+    const auto count = to - from;
+    if (count <= 0)
+        return count;
+
+    arpStageMidi.clear();
+    const auto view = span.subView (from, count);
+
+    if (pendingSlot >= 0)
+    {
+        metaSlot.requestSlot (pendingSlot, view.isPlaying(), slots);
+        pendingSlot = noSlot;
+    }
+
+    metaSlot.run (view, slots, arpStageMidi);
+    chordMap.translate (metaSlot.getOutput(), arpStageMidi);
+    arpOutMidi.addEvents (arpStageMidi, 0, -1, from);
     return count;
 }
 } // namespace Orv::Audio::Plugins::Halvane

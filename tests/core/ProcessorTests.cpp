@@ -1,6 +1,7 @@
 #include "core/Processor.h"
 #include "core/WithEditor.h"
 #include "editor/Editor.h"
+#include "midi/Keyswitches.h"
 #include "support/AllocationCounter.h"
 #include "support/FakeHostPlayHead.h"
 
@@ -36,6 +37,10 @@ struct Fixture
         processor.prepareToPlay (sampleRate, blockSize);
         audio.setSize (2, blockSize);
     }
+
+    /** Played notes then pass the chain to the output, which so shows what
+        reached the note path. */
+    void arpOff() { processor.getState().arp.arpActive.store (Orv::Audio::Plugins::Halvane::ArpSettings::arpOff); }
 
     std::vector<Event> run (const juce::MidiBuffer& in, int numSamples = blockSize)
     {
@@ -208,6 +213,7 @@ TEST (ProcessorClock, TheTransportFollowsAPlayingHostAndOtherwiseRunsOnTheIntern
 TEST (ProcessorLearn, ClaimedEventsNeverReachTheNotePathAndEarlierEventsPlayFirst)
 {
     Fixture f;
+    f.arpOff();
     auto handler = std::make_shared<RecordingHandler> (24);
     f.processor.getLearnState().handlers.push_back (handler);
     f.processor.publishLearnState();
@@ -233,6 +239,7 @@ TEST (ProcessorLearn, ClaimedEventsNeverReachTheNotePathAndEarlierEventsPlayFirs
 TEST (ProcessorLearn, ArmedLearnerCapturesTheNextEventWhichStillPasses)
 {
     Fixture f;
+    f.arpOff();
     TestLearner learner;
     learner.mode.store (TestLearner::armed);
     f.processor.getLearnState().learner = &learner;
@@ -246,7 +253,37 @@ TEST (ProcessorLearn, ArmedLearnerCapturesTheNextEventWhichStillPasses)
     EXPECT_EQ (learner.mode.load(), TestLearner::captured);
     EXPECT_EQ (learner.counter.load(), 1);
     EXPECT_TRUE (learner.message.isControllerOfType (64));
-    EXPECT_EQ (out.size(), 2u);
+    // Both went on to the note path, where the sustain stage keeps the pedal.
+    ASSERT_EQ (out.size(), 1u);
+    EXPECT_EQ (out[0].bytes, (std::vector<uint8_t> { 0x90, 61, 100 }));
+}
+
+TEST (ProcessorLearn, APadsKeyswitchComesAheadOfTheHostsNotesAndSelectsItsPattern)
+{
+    Fixture f;
+    auto& state = f.processor.getState();
+    // The host stands still and is followed: a selection is done at once.
+    state.filePlayerActive.store (true);
+    f.clock.stoppedAt (0, 0.0);
+
+    TestLearner learner;
+    learner.mode.store (TestLearner::armed);
+    f.processor.getLearnState().learner = &learner;
+    f.processor.publishLearnState();
+
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::noteOn (1, 60, (uint8_t) 100), 0);
+    state.sequencer.selectPattern (5);
+    f.run (in);
+    EXPECT_EQ (learner.message.getNoteNumber(), Orv::Audio::Plugins::Halvane::Keyswitches::notes[5])
+        << "the first event the block saw";
+
+    f.processor.getLearnState().learner = nullptr;
+    f.processor.publishLearnState();
+    state.sequencer.selectPattern (5);
+    f.run (in);
+    EXPECT_EQ (state.sequencer.liveSlots.live->active.load(), 5);
+    EXPECT_EQ (state.sequencer.getNumQueued(), 0u);
 }
 
 //==============================================================================

@@ -2,6 +2,7 @@
 #include "midi/Keyswitches.h"
 #include "midi/ParamMidiCCHandler.h"
 #include "MidiTestHelpers.h"
+#include "support/FakeHostPlayHead.h"
 
 #include <gtest/gtest.h>
 
@@ -13,11 +14,19 @@ namespace
 {
 constexpr int blockSize = 256;
 
-/** A prepared processor on its internal clock that runs one block at a time. */
+/** A prepared processor that runs one block at a time. The arp is off, so
+    that played notes pass the chain and the output shows what reached the
+    note path; the host stands still and the file player is on, so that the
+    clock stops and a slot change is done at once. */
 struct LearnFixture
 {
     LearnFixture()
     {
+        auto& state = processor.getState();
+        state.arp.arpActive.store (Orv::Audio::Plugins::Halvane::ArpSettings::arpOff);
+        state.filePlayerActive.store (true);
+        clock.stoppedAt (0, 0.0);
+        processor.setPlayHead (&clock);
         processor.prepareToPlay (48000.0, blockSize);
         audio.setSize (2, blockSize);
     }
@@ -29,6 +38,7 @@ struct LearnFixture
         return describe (midi);
     }
 
+    FakeHostPlayHead clock;
     Processor processor;
     juce::AudioBuffer<float> audio;
 };
@@ -38,22 +48,24 @@ TEST (ProcessorKeyswitch, APressSelectsItsSlotOnceAndNeitherOnNorOffReachesTheOu
 {
     namespace Keyswitches = Orv::Audio::Plugins::Halvane::Keyswitches;
     LearnFixture f;
-    auto& notePath = f.processor.getMidiProcessor();
-    EXPECT_EQ (notePath.getPendingSlot(), MidiProcessor::noSlot);
+    auto& live = *f.processor.getState().sequencer.liveSlots.live;
 
     for (int slot = 0; slot < Keyswitches::numSlots; ++slot)
     {
         const auto note = Keyswitches::notes[(size_t) slot];
-        notePath.setPendingSlot (MidiProcessor::noSlot);
-        EXPECT_EQ (f.run ({ { on (note), 10 }, { on (60), 20 }, { off (note), 30 } }), (Lines { "on 60 100 @20" }))
+        live.active.store (slot == 0 ? 1 : 0);
+        const auto played = 60 + slot;
+        EXPECT_EQ (f.run ({ { on (note), 10 }, { on (played), 20 }, { off (note), 30 } }),
+                   (Lines { "on " + std::to_string (played) + " 100 @20" }))
             << "note " << note;
-        EXPECT_EQ (notePath.getPendingSlot(), slot) << "note " << note;
+        EXPECT_EQ (live.active.load(), slot) << "note " << note;
     }
 
     // Only a press asks: a release, or a note-on without velocity, selects nothing.
-    notePath.setPendingSlot (MidiProcessor::noSlot);
+    live.active.store (3);
     EXPECT_EQ (f.run ({ { on (24, 0), 5 }, { off (24), 6 } }), Lines {});
-    EXPECT_EQ (notePath.getPendingSlot(), MidiProcessor::noSlot);
+    EXPECT_EQ (live.active.load(), 3);
+    EXPECT_EQ (f.processor.getMidiProcessor().getPendingSlot(), MidiProcessor::noSlot);
 }
 
 TEST (ProcessorLearn, TwoHandlersOnOneControllerBothMoveTheirParameters)
