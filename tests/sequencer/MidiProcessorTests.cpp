@@ -304,7 +304,7 @@ TEST (ArpPlayback, RandomPlayNeverStrikesASoundingNoteAndAStopEndsThemAll)
     constexpr std::array<int, 4> blockSizes { 1, 7, 64, 4096 };
     constexpr int blocksPerSeed = 300;
     const auto firstSeed = fromEnvironment ("HALVANE_ARP_SEED", 1);
-    const auto numSeeds = std::getenv ("HALVANE_ARP_SEED") != nullptr ? 1 : fromEnvironment ("HALVANE_ARP_SEEDS", 32);
+    const auto numSeeds = std::getenv ("HALVANE_ARP_SEED") != nullptr ? 1 : fromEnvironment ("HALVANE_ARP_SEEDS", 256);
 
     for (int seed = firstSeed; seed < firstSeed + numSeeds; ++seed)
     {
