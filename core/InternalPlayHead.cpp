@@ -11,28 +11,33 @@ namespace
     the looping flag present, and only when it has a length. */
 struct ActiveLoop
 {
-    explicit ActiveLoop (const juce::AudioPlayHead::PositionInfo& info)
+    ActiveLoop (const juce::AudioPlayHead::PositionInfo& info, double blockStartPpq)
     {
         if (const auto points = info.getLoopPoints(); points.hasValue() && info.getIsLooping())
         {
             start = points->ppqStart;
             end = points->ppqEnd;
             active = end > start;
+            startsInside = blockStartPpq >= start && blockStartPpq <= end;
         }
     }
 
     /** A position within the loop, both ends included, folds back into it, so
-        that the loop's end itself reads as its start. Beyond the end nothing
-        changes: the host jumps back at its next block. */
+        that the loop's end itself reads as its start. A block that starts
+        inside the loop and runs past its end wraps too: most hosts do not
+        split their blocks at the loop's end, and the samples after it belong
+        to the loop's start, not to bars that never play. A block that starts
+        beyond the end plays on unfolded, as a host does that was placed there. */
     double fold (double ppq) const noexcept
     {
-        if (! active || ppq < start || ppq > end)
+        if (! active || ppq < start || (ppq > end && ! startsInside))
             return ppq;
 
         return start + std::fmod (ppq - start, end - start);
     }
 
     bool active = false;
+    bool startsInside = false;
     double start = 0.0;
     double end = 0.0;
 };
@@ -97,7 +102,7 @@ void InternalPlayHead::update (juce::AudioPlayHead* host, int numSamples)
 
     const auto startPpq = info.getPpqPosition().orFallback (0.0);
 
-    const ActiveLoop loop (info);
+    const ActiveLoop loop (info, startPpq);
 
     if (playing)
     {

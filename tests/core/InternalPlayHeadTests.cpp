@@ -247,7 +247,8 @@ TEST_F (InternalPlayHeadTest, TheRampFoldsOnlyAtTheEndOfALoopThatIsOnAndHasALeng
         bool looping;
         double first, blockEnd;
     } cases[] = {
-        { "the loop's end reads as its start", 8.0, 4.0, 8.0, true, 4.0, 9.0 },
+        { "the loop's end reads as its start, and the block runs on from there", 8.0, 4.0, 8.0, true, 4.0, 5.0 },
+        { "a block that starts beyond the loop plays on unfolded", 8.5, 4.0, 8.0, true, 8.5, 9.5 },
         { "so does a block ending there", 7.0, 4.0, 8.0, true, 7.0, 4.0 },
         { "a loop without length is none", 8.0, 8.0, 8.0, true, 8.0, 9.0 },
         { "loop points without the looping flag are none", 8.0, 4.0, 8.0, false, 8.0, 9.0 },
@@ -265,7 +266,8 @@ TEST_F (InternalPlayHeadTest, TheRampFoldsOnlyAtTheEndOfALoopThatIsOnAndHasALeng
     const auto& p = clock.getPositions();
     EXPECT_EQ (p[31], 8.0 - exactStep);
     EXPECT_EQ (p[32], 4.0);
-    EXPECT_EQ (p[33], 8.0 + exactStep) << "past the end the host's next block brings the position back";
+    EXPECT_EQ (p[33], 4.0 + exactStep) << "a block that runs past the loop's end wraps with it";
+    EXPECT_EQ (clock.getBlockEndPpq(), 4.5);
 }
 
 //==============================================================================

@@ -415,15 +415,19 @@ TEST (ArpTiming, AHostLoopEndsAllNotesAtTheWrapAndThePatternPlaysOnFromThere)
     constexpr int stepAcrossTheWrap = 7;
     const auto loopSamples = (int64_t) (loopQuarters * samplesPerQuarter);
 
-    // The host starts a block at the loop's start, with its sample time
-    // running on (no jump seen) or stepping back with the position (a jump).
-    constexpr int blockSize = 600;
+    // The host's sample time runs on (no jump seen) or steps back with the
+    // position (a jump). With 600-sample blocks a block starts exactly at the
+    // loop's start; with 512 the loop's end falls inside a block, which the
+    // host does not split.
     struct Case
     {
         const char* host;
         bool timeStepsBack;
+        int blockSize;
     };
-    const Case cases[] = { { "time runs on", false }, { "time steps back", true } };
+    const Case cases[] = { { "time runs on", false, 600 }, { "time steps back", true, 600 },
+                           { "time runs on, wrap inside a block", false, 512 },
+                           { "time steps back, wrap inside a block", true, 512 } };
 
     auto steps = cyclingThreeRows();
     steps[stepAcrossTheWrap].gate = 2.0;
@@ -431,7 +435,7 @@ TEST (ArpTiming, AHostLoopEndsAllNotesAtTheWrapAndThePatternPlaysOnFromThere)
     for (const auto& c : cases)
     {
         SCOPED_TRACE (c.host);
-        HostRig rig (blockSize);
+        HostRig rig (c.blockSize);
         rig.loopEnd = loopSamples;
         rig.timeStepsBack = c.timeStepsBack;
         rig.setPattern (0, steps);
