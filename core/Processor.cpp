@@ -1,19 +1,14 @@
 #include "core/Processor.h"
 
 #include "midi/Keyswitches.h"
+#include "midi/NoteMessage.h"
 #include "midi/SlotHandler.h"
 
 namespace Orv::Audio::Plugins::Halvane
 {
 namespace
 {
-    constexpr int threeBytes = 3;
-    constexpr uint8_t firstSystemStatus = 0xF0;
-    constexpr uint8_t channelMask = 0xF0;
-    constexpr uint8_t noteOnOrOffMask = 0xE0;
-    constexpr uint8_t noteOffStatus = 0x80;
-    constexpr uint8_t controllerStatus = 0xB0;
-    constexpr uint8_t sustainPedal = 0x40;
+    using namespace Orv::Midi::NoteMessage;
     constexpr double minimumTempo = 1.0;
     constexpr double fallbackTempo = 100.0;
 
@@ -23,10 +18,9 @@ namespace
 
     bool isNoteOrSustain (const uint8_t* data)
     {
-        const auto status = data[0];
-        if ((status & noteOnOrOffMask) == noteOffStatus)
+        if (isNoteOnOrOff (data))
             return true;
-        return (status & channelMask) == controllerStatus && data[1] == sustainPedal;
+        return (data[0] & statusMask) == controllerStatus && data[numberByte] == sustainPedalController;
     }
 } // namespace
 
@@ -214,7 +208,7 @@ void Processor::foldToChannelOne (juce::MidiBuffer& midi)
     {
         uint8_t bytes[threeBytes] = { event.data[0], event.data[1], event.data[2] };
         if (bytes[0] < firstSystemStatus)
-            bytes[0] &= channelMask;
+            bytes[0] &= statusMask; // channel 1 is the low nibble 0
         scratchMidi.addEvent (bytes, threeBytes, event.samplePosition);
     }
 

@@ -5,6 +5,7 @@
 #include "core/PlayHeadTransportView.h"
 #include "core/PluginProcessor.h"
 #include "core/State.h"
+#include "midi/NoteMessage.h"
 #include "midi/LearnState.h"
 #include "sequencer/LiveSlots.h"
 #include "sequencer/MidiProcessor.h"
@@ -21,7 +22,7 @@ class Processor : public Orv::Audio::Plugin::Processor<State>
 public:
     /** Room of every MIDI buffer on the block path, so that ordinary blocks
         never grow one. */
-    static constexpr size_t midiBufferBytes = 1504;
+    static constexpr size_t midiBufferBytes = Midi::NoteMessage::bufferBytes;
 
     Processor();
     ~Processor() override;

@@ -1,22 +1,16 @@
 #include "midi/ParamMidiCCHandler.h"
 
+#include "midi/NoteMessage.h"
 #include "midi/SevenBitScale.h"
 
 namespace Orv::Audio::Plugin
 {
-namespace
-{
-    constexpr uint8_t statusMask = 0xF0;
-    constexpr uint8_t controllerStatus = 0xB0;
-    constexpr int controllerMessageBytes = 3;
-    constexpr int numberByte = 1;
-    constexpr int valueByte = 2;
-} // namespace
+using namespace Orv::Midi::NoteMessage;
 
 bool ParamMidiCCHandler::matches (const juce::MidiMessage& message)
 {
     const auto* data = message.getRawData();
-    return message.getRawDataSize() >= controllerMessageBytes
+    return message.getRawDataSize() >= threeBytes
            && (data[0] & statusMask) == controllerStatus
            && data[numberByte] == controller;
 }

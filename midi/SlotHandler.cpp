@@ -1,21 +1,15 @@
 #include "midi/SlotHandler.h"
 
+#include "midi/NoteMessage.h"
+
 namespace Orv::Audio::Plugins::Halvane
 {
-namespace
-{
-    constexpr uint8_t noteOnOrOffMask = 0xE0;
-    constexpr uint8_t noteOffStatus = 0x80;
-    constexpr int noteMessageBytes = 3;
-    constexpr int numberByte = 1;
-} // namespace
-
 bool SlotHandler::matches (const juce::MidiMessage& message)
 {
     const auto* data = message.getRawData();
-    return message.getRawDataSize() >= noteMessageBytes
-           && (data[0] & noteOnOrOffMask) == noteOffStatus
-           && data[numberByte] == note;
+    return message.getRawDataSize() >= Midi::NoteMessage::threeBytes
+           && Midi::NoteMessage::isNoteOnOrOff (data)
+           && data[Midi::NoteMessage::numberByte] == note;
 }
 
 void SlotHandler::handle (const juce::MidiMessage& message)

@@ -4,7 +4,7 @@
 
 namespace Orv::Audio::Plugins::Halvane
 {
-namespace NoteMessage = Orv::Sequencer::NoteMessage;
+namespace NoteMessage = Orv::Midi::NoteMessage;
 
 namespace
 {

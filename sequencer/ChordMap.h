@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 

@@ -1,6 +1,6 @@
 #include "sequencer/MidiMetaSlot.h"
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 
 namespace Orv::Audio::Plugins::Halvane
 {
@@ -29,8 +29,8 @@ MidiMetaSlot::MidiMetaSlot()
     timerSlot.events.length = LiveControl::defaultQuantize;
     timerSlot.events.extra.push_back ({ { 0.0, LiveControl::defaultQuantize }, record, true });
 
-    outMidi.ensureSize (Sequencer::NoteMessage::bufferBytes);
-    spanMidi.ensureSize (Sequencer::NoteMessage::bufferBytes);
+    outMidi.ensureSize (Midi::NoteMessage::bufferBytes);
+    spanMidi.ensureSize (Midi::NoteMessage::bufferBytes);
 }
 
 void MidiMetaSlot::prepare (int samplesPerBlock)

@@ -1,10 +1,10 @@
 #include "sequencer/MidiProcessor.h"
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 
 namespace Orv::Audio::Plugins::Halvane
 {
-namespace NoteMessage = Sequencer::NoteMessage;
+namespace NoteMessage = Midi::NoteMessage;
 
 MidiProcessor::MidiProcessor()
 {

@@ -2,11 +2,11 @@
 
 namespace Orv::Sequencer
 {
-NoteGate::NoteGate() { midi.ensureSize (NoteMessage::bufferBytes); }
+NoteGate::NoteGate() { midi.ensureSize (Midi::NoteMessage::bufferBytes); }
 
 void NoteGate::process (juce::MidiBuffer& buffer, bool shouldBeActive, bool quiet)
 {
-    using namespace NoteMessage;
+    using namespace Midi::NoteMessage;
 
     bool releaseFirst = false;
 
@@ -21,7 +21,7 @@ void NoteGate::process (juce::MidiBuffer& buffer, bool shouldBeActive, bool quie
     }
 
     // After a swap this holds the caller's old storage: keep it as roomy as ours.
-    midi.ensureSize (NoteMessage::bufferBytes);
+    midi.ensureSize (Midi::NoteMessage::bufferBytes);
     midi.clear();
 
     // The release comes before the buffer's own events, as an all-notes-off
@@ -52,11 +52,11 @@ void NoteGate::process (juce::MidiBuffer& buffer, bool shouldBeActive, bool quie
 
 void NoteGate::releaseAll (int sample)
 {
-    for (int channel = 0; channel < NoteMessage::numChannels; ++channel)
-        for (int note = 0; note < NoteMessage::numNotes; ++note)
+    for (int channel = 0; channel < Midi::NoteMessage::numChannels; ++channel)
+        for (int note = 0; note < Midi::NoteMessage::numNotes; ++note)
             if (auto& marked = table[index (channel, note)]; marked != 0)
             {
-                NoteMessage::addNoteOff (midi, channel, note, 0, sample);
+                Midi::NoteMessage::addNoteOff (midi, channel, note, 0, sample);
                 marked = 0;
             }
 }

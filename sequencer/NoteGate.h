@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
@@ -39,14 +39,14 @@ public:
 private:
     static constexpr size_t index (int channel, int note) noexcept
     {
-        return (size_t) (channel & NoteMessage::channelMask) * NoteMessage::numNotes
-             + (size_t) (note & NoteMessage::dataMask);
+        return (size_t) (channel & Midi::NoteMessage::channelMask) * Midi::NoteMessage::numNotes
+             + (size_t) (note & Midi::NoteMessage::dataMask);
     }
 
     void releaseAll (int sample);
 
     juce::MidiBuffer midi;
-    std::array<uint8_t, NoteMessage::numChannels * NoteMessage::numNotes> table {};
+    std::array<uint8_t, Midi::NoteMessage::numChannels * Midi::NoteMessage::numNotes> table {};
     bool active = false;
 };
 } // namespace Orv::Sequencer

@@ -22,15 +22,15 @@ constexpr float midiVelocityScale = 127.0f;
 constexpr long maxMidiVelocity = 127;
 constexpr long minMidiVelocity = 1;
 
-constexpr int lastChannel = NoteMessage::numChannels - 1;
+constexpr int lastChannel = Midi::NoteMessage::numChannels - 1;
 
 size_t tableIndex (int channel, int note) noexcept
 {
-    return (size_t) channel * NoteMessage::numNotes + (size_t) note;
+    return (size_t) channel * Midi::NoteMessage::numNotes + (size_t) note;
 }
 
 int channelOf (const NoteEvent& event) noexcept { return juce::jlimit (0, lastChannel, (int) event.channel); }
-int rowOf (const NoteEvent& event) noexcept { return event.noteNum & NoteMessage::dataMask; }
+int rowOf (const NoteEvent& event) noexcept { return event.noteNum & Midi::NoteMessage::dataMask; }
 } // namespace
 
 NoteScheduler::NoteScheduler()
@@ -39,7 +39,7 @@ NoteScheduler::NoteScheduler()
     activeHeads.reserve (reservedItems);
     activeExtra.reserve (reservedItems);
     runningHeads.reserve (reservedItems);
-    outMidi.ensureSize (NoteMessage::bufferBytes);
+    outMidi.ensureSize (Midi::NoteMessage::bufferBytes);
 }
 
 //==============================================================================
@@ -78,7 +78,7 @@ int NoteScheduler::sampleOf (double t, const double* q, int m) noexcept
 
 NoteScheduler::NoteTableState NoteScheduler::getNoteState (int channel, int note) const noexcept
 {
-    return (NoteTableState) noteTable[tableIndex (channel & NoteMessage::channelMask, note & NoteMessage::dataMask)].state;
+    return (NoteTableState) noteTable[tableIndex (channel & Midi::NoteMessage::channelMask, note & Midi::NoteMessage::dataMask)].state;
 }
 
 //==============================================================================
@@ -180,20 +180,20 @@ void NoteScheduler::startNote (const NoteEvent& event, int sample)
     const auto high = event.randomVelocityHigh;
     const auto offset = low == high ? 0.0f : low + (high - low) * r;
 
-    NoteMessage::addNoteOn (outMidi, channel, note, midiVelocity (event.velocity + offset), sample);
+    Midi::NoteMessage::addNoteOn (outMidi, channel, note, midiVelocity (event.velocity + offset), sample);
     slot.state = onAndSeen;
     slot.channel = channel;
 }
 
 void NoteScheduler::endNote (NoteSlot& slot, int note, int sample)
 {
-    NoteMessage::addNoteOff (outMidi, slot.channel, note, 0, sample);
+    Midi::NoteMessage::addNoteOff (outMidi, slot.channel, note, 0, sample);
     slot.state = off;
 }
 
 void NoteScheduler::endNotesOnTimeGoingBack()
 {
-    for (int channel = 0; channel < NoteMessage::numChannels; ++channel)
+    for (int channel = 0; channel < Midi::NoteMessage::numChannels; ++channel)
         for (int note = 0; note < sweepExemptNote; ++note)
             if (auto& slot = noteTable[tableIndex (channel, note)]; slot.state != off)
                 endNote (slot, note, 0);
@@ -201,9 +201,9 @@ void NoteScheduler::endNotesOnTimeGoingBack()
 
 void NoteScheduler::sweepUnclaimedNotes()
 {
-    for (int channel = 0; channel < NoteMessage::numChannels; ++channel)
+    for (int channel = 0; channel < Midi::NoteMessage::numChannels; ++channel)
     {
-        for (int note = 0; note < NoteMessage::numNotes; ++note)
+        for (int note = 0; note < Midi::NoteMessage::numNotes; ++note)
         {
             auto& slot = noteTable[tableIndex (channel, note)];
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/PlayHeadTransportView.h"
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 #include "sequencer/PatternData.h"
 #include "sequencer/TriggerRecord.h"
 
@@ -100,7 +100,7 @@ private:
     TimedHeads activeHeads;
     TimedHeads activeExtra;
     juce::MidiBuffer outMidi;
-    std::array<NoteSlot, NoteMessage::numChannels * NoteMessage::numNotes> noteTable {};
+    std::array<NoteSlot, Midi::NoteMessage::numChannels * Midi::NoteMessage::numNotes> noteTable {};
     TimedHeads runningHeads;
     juce::Random random;
 

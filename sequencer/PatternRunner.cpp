@@ -1,6 +1,6 @@
 #include "sequencer/PatternRunner.h"
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,7 @@ constexpr int beatUnit = 4;
 
 PatternRunner::PatternRunner()
 {
-    outMidi.ensureSize (NoteMessage::bufferBytes);
+    outMidi.ensureSize (Midi::NoteMessage::bufferBytes);
     triggers.reserve (reservedTriggers);
 
     // The rate is of no account: the positions are written here, not counted.

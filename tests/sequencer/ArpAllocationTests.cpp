@@ -33,7 +33,7 @@ TEST (ArpAllocation, RunnerMapAndGateAllocateNothingOnceBuilt)
     ChordMap map;
     NoteGate gate;
     juce::MidiBuffer out;
-    out.ensureSize (NoteMessage::bufferBytes);
+    out.ensureSize (Orv::Midi::NoteMessage::bufferBytes);
 
     int notesOut = 0;
     int triggers = 0;

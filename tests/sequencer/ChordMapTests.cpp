@@ -1,6 +1,6 @@
 #include "sequencer/ChordMap.h"
 
-#include "sequencer/NoteMessage.h"
+#include "midi/NoteMessage.h"
 #include "sequencer/NoteTestHelpers.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ using Orv::Audio::Plugins::Halvane::ChordMap;
 using Orv::Testing::eventsOf;
 using Words = std::vector<std::string>;
 using Notes = std::vector<int>;
-namespace NoteMessage = Orv::Sequencer::NoteMessage;
+namespace NoteMessage = Orv::Midi::NoteMessage;
 
 Notes rowOf (const ChordMap& map, int row)
 {

@@ -9,7 +9,7 @@ namespace
 using Orv::Sequencer::NoteGate;
 using Orv::Testing::eventsOf;
 using Words = std::vector<std::string>;
-namespace NoteMessage = Orv::Sequencer::NoteMessage;
+namespace NoteMessage = Orv::Midi::NoteMessage;
 
 /** Notes 60 on channel 0 and 64 on channel 1 left on; 62 started and ended. */
 juce::MidiBuffer someNotes()

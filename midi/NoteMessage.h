@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-namespace Orv::Sequencer::NoteMessage
+namespace Orv::Midi::NoteMessage
 {
-/** The few raw MIDI facts the note path works with. Reading and writing the
+/** The few raw MIDI facts the block and the note path work with. Reading and writing the
     three bytes directly keeps the audio thread free of MidiMessage copies.
     All functions are pure and safe on any thread. */
 
@@ -21,12 +21,24 @@ constexpr uint8_t noteOffStatus = 0x80;
 constexpr uint8_t noteOnStatus = 0x90;
 constexpr uint8_t controllerStatus = 0xb0;
 
+/** Status bytes from here up are system messages, which carry no channel. */
+constexpr uint8_t firstSystemStatus = 0xf0;
+/** Masks a status byte down to note-on and note-off alike (0x80). */
+constexpr uint8_t noteOnOrOffMask = 0xe0;
+
+constexpr int numberByte = 1;
+constexpr int valueByte = 2;
+
+constexpr uint8_t sustainPedalController = 64;
 constexpr uint8_t allSoundOffController = 120;
 constexpr uint8_t allNotesOffController = 123;
 
 /** Room of the note path's MIDI buffers, as on the block path, so that
     ordinary spans never grow one. */
 constexpr size_t bufferBytes = 1504;
+
+/** A note-on or note-off of three raw bytes, on any channel. */
+inline bool isNoteOnOrOff (const uint8_t* data) noexcept { return (data[0] & noteOnOrOffMask) == noteOffStatus; }
 
 inline bool isNote (const juce::MidiMessageMetadata& m) noexcept
 {
@@ -75,4 +87,4 @@ inline void addController (juce::MidiBuffer& buffer, int channel, int number, in
                                         (uint8_t) (value & dataMask) };
     buffer.addEvent (bytes, threeBytes, sample);
 }
-} // namespace Orv::Sequencer::NoteMessage
+} // namespace Orv::Midi::NoteMessage
