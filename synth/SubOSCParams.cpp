@@ -1,0 +1,10 @@
+#include "synth/SubOSCParams.h"
+
+namespace Orv::Audio::WavetableSynth
+{
+SubOSCParams::SubOSCParams()
+{
+    addParam (subVolume);
+    addParam (subOctave);
+}
+} // namespace Orv::Audio::WavetableSynth
