@@ -27,5 +27,11 @@ public:
     /** The Type choices: each entry's text after the first " - ", up to the
         first ".", in index order. */
     static juce::StringArray getWaveNames();
+
+    /** One thread at a time, not the audio thread: a fresh list, made as the
+        first getInstance() makes it: from the wave files in the desktop folder
+        "TrevalisWavetables" and its sub-folders when that folder exists,
+        otherwise from the embedded group "Wavetables"; sorted by file name. */
+    static std::vector<Entry> build();
 };
 } // namespace Orv::Audio::WavetableSynth
