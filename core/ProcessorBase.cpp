@@ -5,6 +5,12 @@ namespace Orv::Audio
 ProcessorBase::ProcessorBase (const juce::String& pluginName, const BusesProperties& buses)
     : juce::AudioProcessor (buses), name (pluginName)
 {
+    instanceCounter.emplace();
+}
+
+ProcessorBase::ProcessorBase (const juce::String& pluginName, const BusesProperties& buses, ParameterOwnerOnly)
+    : juce::AudioProcessor (buses), name (pluginName)
+{
 }
 
 ProcessorBase::~ProcessorBase() = default;

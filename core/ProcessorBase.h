@@ -4,6 +4,8 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
+#include <optional>
+
 namespace Orv::Audio
 {
 /** The answers every plug-in of this family gives the host unless it says
@@ -13,6 +15,16 @@ class ProcessorBase : public juce::AudioProcessor
 {
 public:
     ProcessorBase (const juce::String& pluginName, const BusesProperties& buses);
+
+    /** Marks a processor that exists only to own parameters for the
+        framework's sake and never runs: it is no plug-in instance, so it
+        keeps no singletons alive and its end releases none. */
+    struct ParameterOwnerOnly
+    {
+    };
+
+    /** Message thread: a processor of the kind above. */
+    ProcessorBase (const juce::String& pluginName, const BusesProperties& buses, ParameterOwnerOnly);
     ~ProcessorBase() override;
 
     //==============================================================================
@@ -53,6 +65,6 @@ private:
     const juce::String name;
 
     // Singletons shared by all instances of the process die with the last one.
-    ShutdownDeleter::InstanceCounter instanceCounter;
+    std::optional<ShutdownDeleter::InstanceCounter> instanceCounter;
 };
 } // namespace Orv::Audio
