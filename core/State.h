@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/Broadcaster.h"
+#include "parameters/ParamList.h"
 #include "sequencer/ArpSettings.h"
 #include "sequencer/LivePatterns.h"
 #include "sequencer/PitchMapRing.h"
 #include "sequencer/TransportControl.h"
+#include "synth/SynthParams.h"
 
 #include <atomic>
 
@@ -12,9 +14,9 @@ namespace Orv::Audio::Plugins::Halvane
 {
 /** Everything an instance keeps. The Processor owns it; the editor holds
     references into it, so closing the window loses nothing. Made and
-    destroyed on the message thread; the audio thread reads only atomics
-    here, and writes the level, the pitch-map ring and the transport's and
-    live control's words. */
+    destroyed on the message thread; the audio thread reads only parameters
+    and atomics here, and writes the level, the pitch-map ring and the
+    transport's and live control's words. */
 class State
 {
 public:
@@ -25,13 +27,18 @@ public:
     State (const State&) = delete;
     State& operator= (const State&) = delete;
 
+    /** The arp's parameters and octave range: what the note path reads on
+        every span. */
+    ArpSettings arp;
+
     /** The eight patterns, their slots and the keyswitch queue. */
     LivePatterns sequencer;
     /** The one transport of the instance: the patterns' own. */
     Sequencer::TransportControl& transport { sequencer.transport };
 
-    /** What the note path reads on every span. */
-    ArpSettings arp;
+    /** The sound. A sound preset's "Params"; it is kept beside the arp's
+        list, since pattern presets do not carry the sound. */
+    SynthParams synth;
     /** The arp's row-to-note table, for the display. */
     PitchMapRing pitchMap;
 
@@ -44,8 +51,26 @@ public:
     /** True while the MIDI file player drives the arp in place of the keys. */
     std::atomic<bool> filePlayerActive { false };
 
+    //==============================================================================
+    /** Message thread: the arp's parameters by key, as a pattern preset's
+        "Params" holds them. */
+    Audio::ParamList& getParams() noexcept { return params; }
+
+    /** Message thread: the fronts the host sees, in the host's order; the
+        processor attaches them to itself. */
+    Audio::ParamList& getHostedParams() noexcept { return hostedParams; }
+
+    /** How many oscillators the host can reach; the others only presets set. */
+    static constexpr int numHostedOscillators = 2;
+
 private:
+    void addHostedParams();
     void rebuildIfSwingMoved();
+
+    // Declared after everything they point into: the host's fronts listen to
+    // the tree's parameters, and the tree's hidden owners delete them.
+    Audio::ParamList params;
+    Audio::ParamList hostedParams;
 
     // The swing parameters may move from the host's thread; the slots are
     // rebuilt from the shared tick instead, on the message thread.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "parameters/ParamHolder.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -7,10 +9,10 @@
 
 namespace Orv::Audio::Plugins::Halvane
 {
-/** The settings that the note path reads on every span. Each field is bound
-    to the host parameter of the same name later; until the parameter list
-    exists the fields are plain atomics that the GUI or a test writes and the
-    audio thread reads. All reads and writes are lock-free from any thread. */
+/** The arp's settings: the parameters that the note path reads on every
+    span, held here for the state, and the octave range. The GUI, the host
+    and tests write the parameters on their threads; the audio thread only
+    reads them. */
 struct ArpSettings
 {
     /** The grid choices of Quantize, in quarter notes: 4/4 down to 1/32. */
@@ -22,6 +24,11 @@ struct ArpSettings
 
     static constexpr int32_t arpOff = 0;
     static constexpr int32_t arpOn = 1;
+
+    static constexpr int minimumTranspose = -12;
+    static constexpr int maximumTranspose = 12;
+    static constexpr int minimumOctave = -3;
+    static constexpr int maximumOctave = 3;
 
     /** The octave range of a new state: octaves 1 to 8, notes 12 to 96. */
     static constexpr int32_t defaultLowOctave = 1;
@@ -60,21 +67,39 @@ struct ArpSettings
     void setOctaves (int32_t low, int32_t high) noexcept { octaveRange.store (packOctaves (low, high)); }
 
     //==============================================================================
-    /** ArpActive: index 0 "Off" lets the played notes through the chain; any
-        other index replaces them by the arp's notes. */
-    std::atomic<int32_t> arpActive { arpOn };
+    /** Any thread; what the note path reads on every span, straight from the
+        parameters' atomic values: no lock, no allocation. */
+    bool isArpOn() const noexcept { return arpActive->getIndex() > arpOff; }
+    bool isRetriggerOn() const noexcept { return retrigger->get(); }
+    int getQuantize() const noexcept { return quantize->getIndex(); }
+    int getTranspose() const noexcept { return transpose->get(); }
+    int getOctave() const noexcept { return octave->get(); }
+    int getKey() const noexcept { return key->getIndex(); }
+
+    //==============================================================================
+    /** Quantize: an index into quantizeLengths; a slot change waits for the
+        next boundary of this grid. */
+    Audio::ParamHolder<juce::AudioParameterChoice> quantize {
+        "Quantize", "Quantize", juce::StringArray { "4/4", "2/4", "1/4", "1/8", "1/16", "1/32" }, defaultQuantize
+    };
     /** Retrigger: a note-on restarts the active pattern at the next boundary. */
-    std::atomic<bool> retrigger { false };
-    /** Quantize: an index into quantizeLengths. */
-    std::atomic<int32_t> quantize { defaultQuantize };
-    /** Transpose: semitones added to every played note, -12 to 12. */
-    std::atomic<int32_t> transpose { 0 };
-    /** Octave: whole octaves added to every played note, -3 to 3. */
-    std::atomic<int32_t> octave { 0 };
-    /** Key: the file player's transposition in semitones, 0 to 11; it
-        replaces Transpose while the player is active. */
-    std::atomic<int32_t> key { 0 };
-    /** OctaveRange: the packed octave range (see packOctaves). */
+    Audio::ParamHolder<juce::AudioParameterBool> retrigger { "Retrigger", "Retrigger", false };
+    /** Transpose: semitones added to every played note. */
+    Audio::ParamHolder<juce::AudioParameterInt> transpose { "Transpose", "Transpose", minimumTranspose,
+                                                            maximumTranspose, 0 };
+    /** Octave: whole octaves added to every played note. */
+    Audio::ParamHolder<juce::AudioParameterInt> octave { "Octave", "Octave", minimumOctave, maximumOctave, 0 };
+    /** Key: the file player's transposition in semitones from C; it replaces
+        Transpose while the player is active. */
+    Audio::ParamHolder<juce::AudioParameterChoice> key {
+        "Key", "Key", juce::StringArray { "C", "Db", "D", "Eb", "E", "F", "Gb", "G", "Ab", "A", "Bb", "B" }, 0
+    };
+    /** ArpActive: "Off" lets the played notes through the chain; "On"
+        replaces them by the arp's notes. */
+    Audio::ParamHolder<juce::AudioParameterChoice> arpActive { "ArpActive", "ArpActive",
+                                                               juce::StringArray { "Off", "On" }, arpOn };
+    /** OctaveRange: the packed octave range (see packOctaves). Not a
+        parameter: the GUI's two range controls write it together. */
     std::atomic<int64_t> octaveRange { packOctaves (defaultLowOctave, defaultHighOctave) };
 
     static_assert (std::atomic<int64_t>::is_always_lock_free);

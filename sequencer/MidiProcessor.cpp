@@ -34,7 +34,7 @@ int MidiProcessor::processChunk (int from, int to, const ChunkContext& context)
     selectSource (context, span);
     runChain (settings, octaves, playerActive);
 
-    context.slots.live->quantize.store (ArpSettings::quantizeLengthFor (settings.quantize.load()));
+    context.slots.live->quantize.store (ArpSettings::quantizeLengthFor (settings.getQuantize()));
 
     arpOutMidi.clear();
     chordMap.setOctaveRange (octaves.low, octaves.high);
@@ -43,7 +43,7 @@ int MidiProcessor::processChunk (int from, int to, const ChunkContext& context)
 
     // Off, the chain's notes pass on and the arp's are dropped; a change of
     // the switch releases all that the gate has let through.
-    const auto arpOn = settings.arpActive.load() > ArpSettings::arpOff;
+    const auto arpOn = settings.isArpOn();
     if (arpOn)
         workMidi.swapWith (arpOutMidi);
 
@@ -92,8 +92,8 @@ void MidiProcessor::runChain (const ArpSettings& settings, ArpSettings::Octaves 
 {
     sustain.process (workMidi);
 
-    const auto semitones = playerActive ? settings.key.load() : settings.transpose.load();
-    transpose.setOffset (semitones + ArpSettings::notesPerOctave * settings.octave.load());
+    const auto semitones = playerActive ? settings.getKey() : settings.getTranspose();
+    transpose.setOffset (semitones + ArpSettings::notesPerOctave * settings.getOctave());
     transpose.process (workMidi);
 
     noteLimit.setLimits (ArpSettings::notesPerOctave * octaves.low, ArpSettings::notesPerOctave * octaves.high);
@@ -103,7 +103,7 @@ void MidiProcessor::runChain (const ArpSettings& settings, ArpSettings::Octaves 
 bool MidiProcessor::runNotes (const ChunkContext& context, const PlayHeadTransportView& span, bool playerActive)
 {
     const auto& live = *context.slots.live;
-    const auto retrigger = context.state.arp.retrigger.load();
+    const auto retrigger = context.state.arp.isRetriggerOn();
     bool notePassed = false;
     int done = 0;
 

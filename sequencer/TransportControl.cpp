@@ -7,7 +7,6 @@ namespace Orv::Sequencer
 namespace
 {
     const juce::String swingRefId = "SwingRef";
-    constexpr int swingRefVersionHint = 1;
     // The swing period of each choice is in Swing.cpp, by index.
     const juce::StringArray swingRefChoices { "1/8", "1/4", "1/2" };
     constexpr int defaultSwingRef = 0;
@@ -32,9 +31,7 @@ namespace
 } // namespace
 
 TransportControl::TransportControl()
-    : swing (std::make_unique<SwingParam>()),
-      swingRef (std::make_unique<juce::AudioParameterChoice> (juce::ParameterID (swingRefId, swingRefVersionHint),
-                                                               swingRefId, swingRefChoices, defaultSwingRef))
+    : swingRef (swingRefId, swingRefId, swingRefChoices, defaultSwingRef)
 {
 }
 

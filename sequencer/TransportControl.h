@@ -1,5 +1,6 @@
 #pragma once
 
+#include "parameters/ParamHolder.h"
 #include "sequencer/BPMParameter.h"
 #include "sequencer/Swing.h"
 #include "sequencer/SwingParam.h"
@@ -8,7 +9,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 namespace Orv
 {
@@ -42,10 +42,10 @@ public:
     /** The tempo of the internal clock, which the block also overwrites with
         the host's tempo whenever the host gives one. */
     BPMParameter bpm;
-    /** Until the host parameter list adopts them, the swing parameters are
-        owned here. */
-    std::unique_ptr<SwingParam> swing;
-    std::unique_ptr<juce::AudioParameterChoice> swingRef;
+    /** The swing amount and the note value of its period; the state's
+        parameter list hands them to the host. */
+    Audio::ParamHolder<SwingParam> swing;
+    Audio::ParamHolder<juce::AudioParameterChoice> swingRef;
 
     /** Tempo in beats per minute: the internal clock's, or the host's last.
         The same word as the BPM parameter's. */

@@ -40,7 +40,7 @@ struct Fixture
 
     /** Played notes then pass the chain to the output, which so shows what
         reached the note path. */
-    void arpOff() { processor.getState().arp.arpActive.store (Orv::Audio::Plugins::Halvane::ArpSettings::arpOff); }
+    void arpOff() { *processor.getState().arp.arpActive = Orv::Audio::Plugins::Halvane::ArpSettings::arpOff; }
 
     std::vector<Event> run (const juce::MidiBuffer& in, int numSamples = blockSize)
     {

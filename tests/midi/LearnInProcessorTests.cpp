@@ -23,7 +23,7 @@ struct LearnFixture
     LearnFixture()
     {
         auto& state = processor.getState();
-        state.arp.arpActive.store (Orv::Audio::Plugins::Halvane::ArpSettings::arpOff);
+        *state.arp.arpActive = Orv::Audio::Plugins::Halvane::ArpSettings::arpOff;
         state.filePlayerActive.store (true);
         clock.stoppedAt (0, 0.0);
         processor.setPlayHead (&clock);

@@ -35,5 +35,5 @@ TEST (ArpSettings, QuantizeIndicesGiveQuarterNotesAndAStrayIndexOne)
         EXPECT_EQ (ArpSettings::quantizeLengthFor (i), expected[i]);
     EXPECT_EQ (ArpSettings::quantizeLengthFor (-1), 1.0);
     EXPECT_EQ (ArpSettings::quantizeLengthFor (6), 1.0);
-    EXPECT_EQ (ArpSettings::quantizeLengthFor (ArpSettings {}.quantize.load()), 1.0);
+    EXPECT_EQ (ArpSettings::quantizeLengthFor (ArpSettings().getQuantize()), 1.0);
 }

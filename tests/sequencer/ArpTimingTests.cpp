@@ -350,7 +350,7 @@ TEST (ArpTiming, RetriggerRestartsThePatternAtTheNextBoundaryAfterANoteOn)
     {
         SCOPED_TRACE (retrigger ? "retrigger on" : "retrigger off");
         HostRig rig (blockSize);
-        rig.state().arp.retrigger.store (retrigger);
+        *rig.state().arp.retrigger = retrigger;
         rig.setPattern (0, steps);
 
         rig.block (held (chord));

@@ -154,9 +154,9 @@ TEST (ArpPlayback, WithTheArpOffPlayedNotesPassTheChain)
     ArpRig rig;
     rig.setPattern (0, { 64, 65, 66, 64 });
     auto& arp = rig.state().arp;
-    arp.arpActive.store (ArpSettings::arpOff);
-    arp.transpose.store (2);
-    arp.octave.store (1);
+    *arp.arpActive = ArpSettings::arpOff;
+    *arp.transpose = 2;
+    *arp.octave = 1;
 
     rig.block (512, { { on (60), 100 }, { on (67), 150 }, { off (60), 300 } });
     rig.block (512, { { off (67), 20 } });
@@ -174,7 +174,7 @@ TEST (ArpPlayback, KeyswitchSwitchesAtTheNextBoundaryWhilePlayingAndAtOnceWhileS
     rig.followHostStops();
     rig.setPattern (0, std::vector<int> (stepsPerBar, 64), 1.0);
     rig.setPattern (1, std::vector<int> (stepsPerBar, 65), 1.0);
-    rig.state().arp.quantize.store (2); // a quarter note
+    *rig.state().arp.quantize = 2; // a quarter note
 
     rig.block (block, { { on (60), 0 }, { on (64), 0 } });
     rig.playUntil (samplesPerQuarter + 5000, block);
@@ -233,7 +233,7 @@ TEST (ArpPlayback, SteadyBlocksOfAPlayingArpAllocateNothing)
     ArpRig rig (block);
     for (int slot = 0; slot < 2; ++slot)
         rig.setPattern (slot, { 64, 65, 66, 67, 63, 64, 65, 66, 64, 68, 62, 64, 65, 66, 69, 60 });
-    rig.state().arp.quantize.store (4); // boundaries every sixteenth
+    *rig.state().arp.quantize = 4; // boundaries every sixteenth
 
     // Chord changes and keyswitches in the counted blocks too.
     const std::vector<std::vector<Played>> cycle {
@@ -316,8 +316,8 @@ TEST (ArpPlayback, RandomPlayNeverStrikesASoundingNoteAndAStopEndsThemAll)
         randomPatterns (rig, random);
         if (chance (0.5))
             rig.followHostStops();
-        rig.state().arp.quantize.store (pick (0, 5));
-        rig.state().arp.retrigger.store (chance (0.3));
+        *rig.state().arp.quantize = pick (0, 5);
+        *rig.state().arp.retrigger = chance (0.3);
 
         std::array<bool, 128> sounding {};
         std::vector<int> held;
