@@ -47,9 +47,8 @@ void Filter::updateCoefficients() noexcept
     h = 1.0f / ((R2 + g) * g + 1.0f);
 }
 
-float Filter::processSample (int channel, int stage, float input) noexcept
+float Filter::tick (StageState& s, float input) const noexcept
 {
-    auto& s = state[(size_t) channel][(size_t) stage];
     const auto drive = input - (R2 + g) * s.s1 - s.s2;
 
     if (type == lowPass)
@@ -74,17 +73,48 @@ float Filter::processSample (int channel, int stage, float input) noexcept
     return type == bandPass ? yBP : yHP;
 }
 
+float Filter::processSample (int channel, int stage, float input) noexcept
+{
+    return tick (state[(size_t) channel][(size_t) stage], input);
+}
+
 void Filter::processBlock (juce::AudioBuffer<float>& block) noexcept
 {
     const auto numChannels = juce::jmin (block.getNumChannels(), maxChannels);
     const auto numSamples = block.getNumSamples();
+    auto* const* samples = block.getArrayOfWritePointers();
 
-    for (int c = 0; c < numChannels; ++c)
+    // Each stage of each channel is its own recursion, so the result is the
+    // same in any interleaving; running a stereo pair side by side lets the
+    // two chains overlap, and keeping the state in locals keeps it out of
+    // memory.
+    for (int stage = 0; stage < stages; ++stage)
     {
-        auto* samples = block.getWritePointer (c);
-        for (int stage = 0; stage < stages; ++stage)
+        if (numChannels == maxChannels)
+        {
+            auto a = state[0][(size_t) stage];
+            auto b = state[1][(size_t) stage];
+            auto* x = samples[0];
+            auto* y = samples[1];
             for (int i = 0; i < numSamples; ++i)
-                samples[i] = processSample (c, stage, samples[i]);
+            {
+                x[i] = tick (a, x[i]);
+                y[i] = tick (b, y[i]);
+            }
+            state[0][(size_t) stage] = a;
+            state[1][(size_t) stage] = b;
+        }
+        else
+        {
+            for (int c = 0; c < numChannels; ++c)
+            {
+                auto s = state[(size_t) c][(size_t) stage];
+                auto* x = samples[c];
+                for (int i = 0; i < numSamples; ++i)
+                    x[i] = tick (s, x[i]);
+                state[(size_t) c][(size_t) stage] = s;
+            }
+        }
     }
 }
 } // namespace Orv::Audio

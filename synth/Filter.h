@@ -50,8 +50,8 @@ public:
     /** Audio thread. Runs one sample through one stage of one channel. */
     float processSample (int channel, int stage, float input) noexcept;
 
-    /** Audio thread. Filters the first maxChannels channels in place, each
-        stage over the whole block before the next one. */
+    /** Audio thread. Filters the first maxChannels channels in place,
+        through every stage. */
     void processBlock (juce::AudioBuffer<float>& block) noexcept;
 
     struct StageState
@@ -74,5 +74,6 @@ private:
     static constexpr double defaultSampleRate = 44100.0;
 
     void updateCoefficients() noexcept;
+    float tick (StageState& s, float input) const noexcept;
 };
 } // namespace Orv::Audio

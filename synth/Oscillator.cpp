@@ -42,7 +42,6 @@ void Oscillator::render (const juce::AudioBuffer<float>& table, const UnisonReco
     const auto numSamples = juce::jmin (mix.getNumSamples(), buffer.getNumSamples());
     const auto numChannels = juce::jmin (mix.getNumChannels(), buffer.getNumChannels());
     const auto numTableChannels = table.getNumChannels();
-    const auto tableLength = table.getNumSamples();
 
     if (numSamples < 1)
         return;
@@ -56,9 +55,7 @@ void Oscillator::render (const juce::AudioBuffer<float>& table, const UnisonReco
         TableReader::runPhases (voice.phases.data(), numSamples, voice.phase, (double) record.frequency * voice.inverseRate);
 
         if (numTableChannels > 0)
-            for (int c = 0; c < numChannels; ++c)
-                TableReader::read (table.getReadPointer (c % numTableChannels), tableLength, voice.phases.data(),
-                                   buffer.getWritePointer (c), numSamples);
+            readTable (table, voice.phases.data(), numChannels, numSamples);
 
         voice.lastPhase = voice.phases[(size_t) numSamples - 1];
 
@@ -69,6 +66,36 @@ void Oscillator::render (const juce::AudioBuffer<float>& table, const UnisonReco
             for (int c = 0; c < numChannels; ++c)
                 mix.addFrom (c, 0, buffer, c, 0, numSamples, record.gain);
     }
+}
+
+void Oscillator::readTable (const juce::AudioBuffer<float>& table, const double* phases, int numChannels,
+                            int numSamples) noexcept
+{
+    const auto numTableChannels = table.getNumChannels();
+    const auto length = table.getNumSamples();
+
+    // Table channel c % channels for output c, in pairs where that helps:
+    // a pair of table channels shares the work of locating each phase, and
+    // a mono table is read once and copied.
+    int c = 0;
+    if (numChannels > right)
+    {
+        if (numTableChannels > right)
+        {
+            TableReader::read (table.getReadPointer (left), table.getReadPointer (right), length, phases,
+                               buffer.getWritePointer (left), buffer.getWritePointer (right), numSamples);
+        }
+        else
+        {
+            TableReader::read (table.getReadPointer (left), length, phases, buffer.getWritePointer (left), numSamples);
+            buffer.copyFrom (right, 0, buffer, left, 0, numSamples);
+        }
+        c = right + 1;
+    }
+
+    for (; c < numChannels; ++c)
+        TableReader::read (table.getReadPointer (c % numTableChannels), length, phases, buffer.getWritePointer (c),
+                           numSamples);
 }
 
 void Oscillator::pan (UnisonVoice& voice, float target, int numSamples) noexcept

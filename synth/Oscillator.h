@@ -57,6 +57,7 @@ public:
 private:
     static constexpr double defaultSampleRate = 44100.0;
 
+    void readTable (const juce::AudioBuffer<float>& table, const double* phases, int numChannels, int numSamples) noexcept;
     void pan (UnisonVoice& voice, float target, int numSamples) noexcept;
 };
 } // namespace Orv::Audio::WavetableSynth

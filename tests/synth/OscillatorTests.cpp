@@ -73,6 +73,20 @@ TEST (TableReader, PhasesWrapBelowOneAndCarryOverToTheNextCall)
     EXPECT_EQ (phases[2], 0.0);
     EXPECT_EQ (phases[3], 0.25);
     EXPECT_EQ (phase, 0.5);
+
+    // However the step is taken, the phases are those of fmod, to the bit.
+    juce::Random random (3);
+    for (const auto increment : { 0.0, 0.999999, 1.0, 2.25, (double) random.nextFloat(), random.nextDouble() * 0.01 })
+    {
+        double run[64];
+        double actual = 0.3, expected = 0.3;
+        TableReader::runPhases (run, 64, actual, increment);
+        for (int i = 0; i < 64; ++i)
+        {
+            ASSERT_EQ (run[i], expected) << increment << " at " << i;
+            expected = std::fmod (expected + increment, 1.0);
+        }
+    }
 }
 
 //==============================================================================
