@@ -156,8 +156,10 @@ namespace
         {
             const auto n = static_cast<double> (h);
             const bool odd = h % 2 == 1;
+            // The saw falls, so that its partials share their sign with those of
+            // a square or pulse and a mix of them adds up instead of cancelling.
             if (kind == "saw")
-                s[h] = sinePartial (-2.0 / (pi * n));
+                s[h] = sinePartial (2.0 / (pi * n));
             else if (kind == "square" && odd)
                 s[h] = sinePartial (4.0 / (pi * n));
             else if (kind == "triangle" && odd)
