@@ -121,32 +121,4 @@ TEST (Filter, StaysFiniteForZerosHugeAndRandomInputAcrossItsRange)
                     }
                 }
 }
-
-TEST (Filter, PrepareAndResetForgetTheSignalButResetKeepsTheCoefficients)
-{
-    Filter filter (voiceStages, 1000.0f, 0.1f);
-    filter.prepare (48000.0);
-    filter.setParameters (2000.0f, 1.0f);
-    const auto g = filter.g;
-
-    juce::AudioBuffer<float> block (2, 64);
-    const auto runNoiseThenSilence = [&] (auto forget) {
-        for (int i = 0; i < 64; ++i)
-        {
-            block.setSample (0, i, 1.0f);
-            block.setSample (1, i, -1.0f);
-        }
-        filter.processBlock (block);
-        forget();
-        block.clear();
-        block.setNotClear();
-        filter.processBlock (block);
-        return Orv::Testing::peakOf (block.getReadPointer (0), 64) + Orv::Testing::peakOf (block.getReadPointer (1), 64);
-    };
-
-    EXPECT_EQ (runNoiseThenSilence ([&] { filter.reset(); }), 0.0f);
-    EXPECT_EQ (filter.g, g);
-    EXPECT_EQ (runNoiseThenSilence ([&] { filter.prepare (96000.0); }), 0.0f);
-    EXPECT_LT (filter.g, g) << "the same cutoff is a smaller step at a higher rate";
-}
 } // namespace

@@ -90,24 +90,6 @@ TEST (TableReader, PhasesWrapBelowOneAndCarryOverToTheNextCall)
 }
 
 //==============================================================================
-TEST (UnisonRecords, TuneAndOctaveShiftThePitchBySemitones)
-{
-    const struct
-    {
-        int octave;
-        int tune;
-        double semitones;
-    } cases[] = { { 0, 0, 0.0 }, { 1, 0, 12.0 }, { 0, 7, 7.0 }, { -1, -5, -17.0 }, { 3, 24, 60.0 }, { -3, -24, -60.0 } };
-
-    for (const auto& c : cases)
-    {
-        const auto records = getUnisonRecords (c.octave, c.tune, 1, 0.5f, 261.62558f);
-        EXPECT_NEAR (semitones (records[0].frequency / 261.62558), c.semitones, 1.0e-3) << c.octave << " " << c.tune;
-        EXPECT_EQ (records[0].pan, 0.5f);
-        EXPECT_EQ (records[0].gain, 1.0f);
-    }
-}
-
 TEST (UnisonRecords, APairStandsEitherSideByTheSpreadAndPansApart)
 {
     for (const auto spread : { 0.0f, 0.25f, 1.0f })
