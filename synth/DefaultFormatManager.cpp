@@ -1,6 +1,7 @@
 #include "synth/DefaultFormatManager.h"
 
 #include "core/Singleton.h"
+#include "synth/RuxaFormat.h"
 
 namespace Orv::Audio
 {
@@ -9,7 +10,7 @@ DefaultFormatManager::DefaultFormatManager()
     // The order in which formats are tried when the extension's own format
     // cannot read a stream.
     addFormat ("flac", std::make_unique<juce::FlacAudioFormat>());
-    // The program's own compressed format belongs here, second in the order.
+    addFormat ("ruxa", std::make_unique<Formats::Ruxa::Format>());
     addFormat ("wav", std::make_unique<juce::WavAudioFormat>());
     addFormat ("aiff", std::make_unique<juce::AiffAudioFormat>());
     addFormat ("ogg", std::make_unique<juce::OggVorbisAudioFormat>());
