@@ -1,3 +1,4 @@
+#include "synth/DefaultFormatManager.h"
 #include "synth/RuxaFormat.h"
 #include "synth/RuxaReader.h"
 #include "synth/RuxaWriter.h"
@@ -316,6 +317,31 @@ TEST (RuxaFormat, WriterIsRefusedForDepthsAndChannelCountsItCannotStore)
 
     for (const auto& [channels, bits] : { std::pair<unsigned int, int> { 1, 8 }, { 1, 32 }, { 0, 16 } })
         EXPECT_EQ (format.createWriterFor (&stream, testRate, channels, bits, {}, 0), nullptr) << channels << " x " << bits;
+}
+
+TEST (RuxaFormat, OpensThroughTheDefaultFormatsByItsExtensionOrByContent)
+{
+    constexpr int length = 5000;
+    const auto signal = makeSignal (2, length, 23);
+    const auto file = writeFile (signal, 24);
+
+    for (const auto* extension : { "ruxa", "RUXA", "wav", "" })
+    {
+        SCOPED_TRACE (extension);
+        const auto opened = Orv::Audio::DefaultFormatManager::getInstance().open (
+            std::make_unique<juce::MemoryInputStream> (file, false), extension);
+        ASSERT_NE (opened, nullptr);
+        EXPECT_EQ (opened->getNumChannels(), 2);
+        EXPECT_EQ (opened->getLengthInSamples(), length);
+        EXPECT_EQ (opened->getBitsPerSample(), 24);
+
+        juce::AudioBuffer<float> audio (2, length);
+        ASSERT_TRUE (opened->read (audio, 0, length, 0));
+        constexpr float fullScale = 2147483648.0f;
+        constexpr float tolerance = 1.0e-6f;
+        for (const int i : { 0, length / 2, length - 1 })
+            EXPECT_NEAR (audio.getSample (1, i), (float) topBits (signal[1][(size_t) i], 24) / fullScale, tolerance) << i;
+    }
 }
 
 //==============================================================================
