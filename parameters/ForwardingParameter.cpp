@@ -8,7 +8,9 @@ namespace
 }
 
 ForwardingParameter::ForwardingParameter (const juce::String& parameterId, ParamHolderBase& targetHolder)
-    : juce::HostedAudioProcessorParameter (ParamHolderDetail::versionHint), id (parameterId), target (targetHolder.getParameter())
+    : juce::AudioProcessorParameterWithID ({ parameterId, ParamHolderDetail::versionHint }, parameterId),
+      id (parameterId),
+      target (targetHolder.getParameter())
 {
     jassert (target != nullptr);
 

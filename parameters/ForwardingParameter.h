@@ -13,8 +13,12 @@ namespace Orv::Audio
     id (and, if set, its own name) that forwards everything else to the real
     parameter. Host changes go straight to the target; the target's changes
     reach the host only when they happen on the message thread, so that a
-    parameter written from the audio thread never calls into the host there. */
-class ForwardingParameter : public juce::HostedAudioProcessorParameter,
+    parameter written from the audio thread never calls into the host there.
+
+    It is a parameter "with ID" because that is how the framework's plug-in
+    wrappers find the string id: any other hosted parameter is known to the
+    host by its index, which would tie automation to the list's order. */
+class ForwardingParameter : public juce::AudioProcessorParameterWithID,
                             private juce::AudioProcessorParameter::Listener
 {
 public:
