@@ -85,12 +85,12 @@ struct TableReader
         if (p.kind != Position::inside)
             return p.kind == Position::last ? table[p.i1] : 0.0f;
 
-        const auto f = p.fraction;
-        const auto y0 = table[p.i0];
-        const auto y1 = table[p.i1];
-        const auto y2 = table[p.i2];
-        const auto y3 = table[p.i3];
+        return cubic (p.fraction, table[p.i0], table[p.i1], table[p.i2], table[p.i3]);
+    }
 
+    /** Catmull-Rom between y1 and y2 at fraction f. */
+    static float cubic (float f, float y0, float y1, float y2, float y3) noexcept
+    {
         // Kept in this nesting: the order of the float operations is part of
         // the sound, and another order changes renders in their last bits.
         return 0.5f * (2.0f * y1 + f * ((y2 - y0) + f * ((4.0f * y2 - y3 + (2.0f * y0 - 5.0f * y1)) + f * (3.0f * (y1 - y2) + (y3 - y0)))));
@@ -105,8 +105,9 @@ struct TableReader
     /** Reads the table at each of the phases. */
     static void read (const float* table, int length, const double* phases, float* output, int numSamples) noexcept
     {
-        for (int i = 0; i < numSamples; ++i)
-            output[i] = interpolate (table, length, phases[i]);
+        const float* tables[] = { table };
+        float* outputs[] = { output };
+        readTables (tables, outputs, 1, length, phases, numSamples);
     }
 
     /** Reads two channels of a table at the same phases, locating each phase
@@ -114,15 +115,69 @@ struct TableReader
     static void read (const float* tableA, const float* tableB, int length, const double* phases, float* outputA,
                       float* outputB, int numSamples) noexcept
     {
-        for (int i = 0; i < numSamples; ++i)
-        {
-            const auto p = locate (length, phases[i]);
-            outputA[i] = valueAt (tableA, p);
-            outputB[i] = valueAt (tableB, p);
-        }
+        const float* tables[] = { tableA, tableB };
+        float* outputs[] = { outputA, outputB };
+        readTables (tables, outputs, 2, length, phases, numSamples);
     }
 
 private:
     static constexpr double beyondTable = 1.5;
+    static constexpr int chunkSize = 64;
+
+    /** The same values as interpolate(), sample for sample, in stages that a
+        compiler can vectorise: positions for a chunk of phases, the four
+        samples around each, then the cubic over the whole chunk. The float
+        operations and their order are those of valueAt(); only the loop
+        structure differs. A chunk with a phase at or past 1 takes the plain
+        path. */
+    static void readTables (const float* const* tables, float* const* outputs, int numTables, int length,
+                            const double* phases, int numSamples) noexcept
+    {
+        int i0[chunkSize], i1[chunkSize], i2[chunkSize], i3[chunkSize];
+        float f[chunkSize], y0[chunkSize], y1[chunkSize], y2[chunkSize], y3[chunkSize];
+        for (int start = 0; start < numSamples; start += chunkSize)
+        {
+            const auto n = std::min (chunkSize, numSamples - start);
+            const auto* x = phases + start;
+
+            bool inside = length > 1;
+            for (int k = 0; k < n && inside; ++k)
+                inside = x[k] < 1.0;
+
+            if (! inside)
+            {
+                for (int t = 0; t < numTables; ++t)
+                    for (int k = 0; k < n; ++k)
+                        outputs[t][start + k] = interpolate (tables[t], length, x[k]);
+                continue;
+            }
+
+            for (int k = 0; k < n; ++k)
+            {
+                const auto p = locate (length, x[k]);
+                f[k] = p.fraction;
+                i0[k] = p.i0;
+                i1[k] = p.i1;
+                i2[k] = p.i2;
+                i3[k] = p.i3;
+            }
+
+            for (int t = 0; t < numTables; ++t)
+            {
+                const auto* table = tables[t];
+                for (int k = 0; k < n; ++k)
+                {
+                    y0[k] = table[i0[k]];
+                    y1[k] = table[i1[k]];
+                    y2[k] = table[i2[k]];
+                    y3[k] = table[i3[k]];
+                }
+
+                auto* out = outputs[t] + start;
+                for (int k = 0; k < n; ++k)
+                    out[k] = cubic (f[k], y0[k], y1[k], y2[k], y3[k]);
+            }
+        }
+    }
 };
 } // namespace Orv::Audio::WavetableSynth

@@ -64,6 +64,37 @@ TEST (TableReader, CubicReadIsExactOnAQuadraticAndGuardsPhasesAtAndPastTheEnd)
     EXPECT_EQ (TableReader::interpolate (table, 0, 0.5), 0.0f) << "an empty table is silence";
 }
 
+TEST (TableReader, BlockReadsGiveTheSampleBySampleValuesToTheBit)
+{
+    constexpr int length = 1000;
+    constexpr int numSamples = 300;
+    juce::Random random (11);
+    std::vector<float> a (length), b (length);
+    for (int i = 0; i < length; ++i)
+    {
+        a[(size_t) i] = random.nextFloat() * 2.0f - 1.0f;
+        b[(size_t) i] = random.nextFloat() * 2.0f - 1.0f;
+    }
+
+    // A stray phase in one stretch sends that stretch the plain way.
+    std::vector<double> phases (numSamples);
+    for (auto& x : phases)
+        x = random.nextDouble();
+    phases[200] = 1.2;
+    phases[201] = 1.7;
+
+    std::vector<float> outA (numSamples), outB (numSamples), mono (numSamples);
+    TableReader::read (a.data(), b.data(), length, phases.data(), outA.data(), outB.data(), numSamples);
+    TableReader::read (b.data(), length, phases.data(), mono.data(), numSamples);
+
+    for (size_t i = 0; i < (size_t) numSamples; ++i)
+    {
+        ASSERT_EQ (outA[i], TableReader::interpolate (a.data(), length, phases[i])) << i;
+        ASSERT_EQ (outB[i], TableReader::interpolate (b.data(), length, phases[i])) << i;
+        ASSERT_EQ (mono[i], outB[i]) << i;
+    }
+}
+
 TEST (TableReader, PhasesWrapBelowOneAndCarryOverToTheNextCall)
 {
     double phases[4];
