@@ -49,14 +49,16 @@ struct VoicingHints
 };
 
 /** The chord's notes, lowest first, with the lowest in the octave
-    that starts at lowestNote, then moved by the hints' octave shift. Throws
+    that starts at lowestNote, then moved by the hints' octave shift. A ninth
+    stays a ninth above the root in every inversion. Throws
     std::runtime_error for hints the chord cannot take (a second inversion of
     a two-note chord, "no5" on a chord without a fifth). */
 std::vector<int> voiceChord (const Chord& chord, const VoicingHints& hints);
 
 /** Of all inversions of the chord and all octaves in which it fits
     the register, the voicing whose notes lie closest to the previous chord's,
-    so that each voice moves as little as it can. Throws std::runtime_error
-    when no voicing fits. */
+    so that each voice moves as little as it can; voicings with a second
+    between their two lowest notes only when there is no other. Throws
+    std::runtime_error when no voicing fits. */
 std::vector<int> voiceChordNear (const Chord& chord, const VoicingHints& hints, const std::vector<int>& previous);
 } // namespace Orv::Tools::Clips
