@@ -42,7 +42,14 @@ void Filter::reset() noexcept
 
 void Filter::updateCoefficients() noexcept
 {
-    g = std::tan (cutoff * pi / (float) sampleRate);
+    // Past half the sample rate tan() turns negative and the filter blows up
+    // to NaN, which would then live on in the voice and the delay line: a
+    // key-tracked cutoff on a high note, or the delay's bright setting at
+    // 32 kHz, would silence the instrument for good. Below the limit the
+    // coefficients are exactly the textbook ones.
+    const auto limit = maxCutoffRatio * (float) sampleRate;
+    const auto effectiveCutoff = juce::jlimit (0.0f, limit, cutoff);
+    g = std::tan (effectiveCutoff * pi / (float) sampleRate);
     R2 = 1.0f / resonance;
     h = 1.0f / ((R2 + g) * g + 1.0f);
 }

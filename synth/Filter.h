@@ -35,9 +35,8 @@ public:
     Filter (int numStages, float initialCutoff, float initialResonance) noexcept;
 
     /** Audio thread. Cutoff in Hz, resonance as Q (0.7071 is Butterworth);
-        the coefficients follow only if either value really changed. The
-        cutoff is not clamped: past half the sample rate the response is
-        whatever tan() makes of it. */
+        the coefficients follow only if either value really changed. A
+        cutoff at or past half the sample rate acts as one just below it. */
     void setParameters (float newCutoff, float newResonance) noexcept;
 
     /** Owner's thread with the audio stopped: clears the state and recomputes
@@ -72,6 +71,9 @@ public:
 
 private:
     static constexpr double defaultSampleRate = 44100.0;
+    /** The highest cutoff, as a fraction of the sample rate, that keeps the
+        filter stable. */
+    static constexpr float maxCutoffRatio = 0.49f;
 
     void updateCoefficients() noexcept;
     float tick (StageState& s, float input) const noexcept;
