@@ -3,10 +3,12 @@
 #include "core/PoolJobMap.h"
 #include "core/Singleton.h"
 #include "core/Threads.h"
+#include "synth/source/Reader.h"
 #include "synth/source/SourceReader.h"
 
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace Orv::Audio::Sampler
 {
@@ -17,16 +19,17 @@ namespace
     // Rates closer than this are the same rate: the audio is taken as it is.
     constexpr double sameRateTolerance = std::numeric_limits<double>::epsilon();
 
-    // A buffer is indexed by int; a source or result beyond that is treated as
-    // unreadable rather than cut short.
-    constexpr double maxFrames = static_cast<double> (std::numeric_limits<int>::max());
+    // A result longer than this is refused rather than allocated: a source of
+    // a valid length at a very low rate, asked for at a very high one, would
+    // otherwise take the host's memory. Twice the longest source.
+    constexpr double maxFrames = 2.0 * static_cast<double> (Source::Reader::maxLengthInSamples);
 
     std::shared_ptr<const Buffer> makeEmpty() { return std::make_shared<const Buffer>(); }
 
     std::shared_ptr<const Buffer> resample (const Source::Base& source, juce::int64 length, double fileRate, double targetRate)
     {
         auto reader = source.createReader();
-        if (reader == nullptr || static_cast<double> (length) > maxFrames)
+        if (reader == nullptr || length < 0 || static_cast<double> (length) > maxFrames)
             return makeEmpty();
 
         auto fileBuffer = std::make_shared<Buffer>();
@@ -117,7 +120,18 @@ void ResampledInternalBuffer::resampleReader()
     const auto fileRate = source->getSampleRate();
     const auto targetRate = sampleRate.load();
     auto job = [this, sourceToRead = source, length, fileRate, targetRate] {
-        publish (resample (*sourceToRead, length, fileRate, targetRate));
+        // Out of memory, the buffer stays empty: nothing that comes from a
+        // file may take the host down.
+        std::shared_ptr<const Buffer> result;
+        try
+        {
+            result = resample (*sourceToRead, length, fileRate, targetRate);
+        }
+        catch (const std::bad_alloc&)
+        {
+            result = makeEmpty();
+        }
+        publish (std::move (result));
     };
 
     if (! useWorker)

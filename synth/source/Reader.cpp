@@ -10,7 +10,7 @@ namespace
     bool isUsable (const Files::FileReaderStream* stream)
     {
         return stream != nullptr && stream->getSampleRate() > 0.0 && stream->getNumChannels() > 0
-               && stream->getLengthInSamples() >= 0;
+               && stream->getLengthInSamples() >= 0 && stream->getLengthInSamples() <= Reader::maxLengthInSamples;
     }
 } // namespace
 

@@ -44,6 +44,11 @@ public:
         valid. */
     std::unique_ptr<SourceReader> createReader() const override;
 
+    /** Longer sources are invalid: a header that claims more is broken or
+        hostile, and reading it whole would take the host's memory. About three
+        minutes at 192 kHz. */
+    static constexpr juce::int64 maxLengthInSamples = juce::int64 { 1 } << 25;
+
 private:
     void open();
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <juce_audio_formats/juce_audio_formats.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -113,10 +114,18 @@ TEST (SamplerSources, WhatCannotBeOpenedIsInvalidWithAllValuesZero)
     garbage.replaceWithText ("RIFF but not really a wave file at all");
     const juce::MemoryBlock truncated (makeWav (2).getData(), 20);
 
-    Reader fromGarbage (garbage), fromMissing (folder.getChildFile ("missing.wav")),
-        fromTruncated (asResource (truncated, "t.wav")), fromNothing (Reader::StreamMaker {});
+    // A tiny file whose data chunk claims four gigabytes.
+    auto claimsTooMuch = makeWav (2);
+    const auto* bytes = static_cast<const char*> (claimsTooMuch.getData());
+    const auto* tag = std::search (bytes, bytes + claimsTooMuch.getSize(), "data", "data" + 4);
+    ASSERT_LT (tag, bytes + claimsTooMuch.getSize());
+    claimsTooMuch.copyFrom ("\xf0\xff\xff\xff", tag - bytes + 4, 4);
 
-    for (auto* reader : { &fromGarbage, &fromMissing, &fromTruncated, &fromNothing })
+    Reader fromGarbage (garbage), fromMissing (folder.getChildFile ("missing.wav")),
+        fromTruncated (asResource (truncated, "t.wav")), fromHugeHeader (asResource (claimsTooMuch, "h.wav")),
+        fromNothing (Reader::StreamMaker {});
+
+    for (auto* reader : { &fromGarbage, &fromMissing, &fromTruncated, &fromHugeHeader, &fromNothing })
     {
         EXPECT_FALSE (reader->isValid());
         EXPECT_EQ (reader->getSampleRate(), 0.0);
