@@ -1,5 +1,7 @@
 #pragma once
 
+#include "synth/FixedNoteInstrument.h"
+
 #include <juce_audio_basics/juce_audio_basics.h>
 
 #include <array>
@@ -7,10 +9,22 @@
 
 namespace Orv::Audio
 {
-/** A polyphonic synthesiser over JUCE's MPE note tracking in legacy mode
-    (ordinary MIDI on channels 1 to 16, pitch bend of 2 semitones), with its
-    voices held by value in one array and its stealing rule as a type, so that
-    nothing is allocated after prepare().
+namespace Detail
+{
+/** The synth's note tracking, held in a base of its own so that it is built
+    before JUCE's synthesiser base, which takes a reference to it. */
+struct NoteTrackingHolder
+{
+    NoteTrackingHolder (int pitchbendRange, juce::Range<int> channels) : noteTracking (pitchbendRange, channels) {}
+
+    FixedNoteInstrument noteTracking;
+};
+} // namespace Detail
+
+/** A polyphonic synthesiser on JUCE's MPE synthesiser base, its notes
+    tracked in legacy mode (ordinary MIDI on channels 1 to 16, pitch bend of 2
+    semitones) in fixed storage, its voices held by value in one array and its
+    stealing rule as a type, so that nothing is allocated after prepare().
 
     Note timing: a block is split at each event into sub-blocks, but never
     into pieces shorter than 32 samples after the first split; an event closer
@@ -20,7 +34,7 @@ namespace Orv::Audio
     makes from inside renderNextBlock); message thread with the audio stopped
     for construction and prepare(). */
 template <typename Voice, typename Stealer>
-class MPESynth : public juce::MPESynthesiserBase
+class MPESynth : private Detail::NoteTrackingHolder, public juce::MPESynthesiserBase
 {
 public:
     static constexpr int defaultNumVoices = 64;
@@ -34,11 +48,14 @@ public:
 
     /** Message thread: a synth of numberOfVoices voices; none for 0 or fewer. */
     explicit MPESynth (int numberOfVoices)
-        : numVoices (juce::jmax (0, numberOfVoices)),
+        : NoteTrackingHolder (pitchbendRange, juce::Range<int> (firstChannel, lastChannel + 1)),
+          juce::MPESynthesiserBase (noteTracking),
+          numVoices (juce::jmax (0, numberOfVoices)),
           voices (std::make_unique<Voice[]> ((size_t) numVoices)),
           stealList (std::make_unique<Voice*[]> ((size_t) numVoices))
     {
-        enableLegacyMode (pitchbendRange, juce::Range<int> (firstChannel, lastChannel + 1));
+        // Only now is this object a listener that may be pointed at.
+        noteTracking.setListener (this);
         setMinimumRenderingSubdivisionSize (subBlockGrain, false);
     }
 
@@ -163,6 +180,11 @@ public:
 
     void setCurrentPlaybackSampleRate (double sampleRate) override
     {
+        // The base lets its instrument's notes go at a new rate, but through
+        // a function that cannot see ours.
+        if (sampleRate != getSampleRate())
+            noteTracking.releaseAll();
+
         juce::MPESynthesiserBase::setCurrentPlaybackSampleRate (sampleRate);
 
         for (int i = 0; i < numVoices; ++i)
@@ -180,7 +202,7 @@ public:
         else if (message.isController())
             handleController (message.getChannel(), message.getControllerNumber(), message.getControllerValue());
 
-        instrument.processNextMidiEvent (message);
+        noteTracking.processNextMidiEvent (message);
     }
 
     /** Audio thread: keeps the controller's last value, 0 to 1. */
