@@ -11,6 +11,7 @@ namespace
     using namespace Orv::Midi::NoteMessage;
     constexpr double minimumTempo = 1.0;
     constexpr double fallbackTempo = 100.0;
+    constexpr int stereo = 2;
 
     // Claims beyond this many handlers for one event are dropped rather than
     // grow the list on the audio thread.
@@ -37,7 +38,7 @@ Processor::Processor()
     sequencer.slotsBroadcaster.add (liveSlotsListener);
     currentSlots = &liveSlots.current();
 
-    for (auto* buffer : { &scratchMidi, &threeByteMidi, &noteMidi, &otherMidi, &chunkOutMidi, &chunkInMidi })
+    for (auto* buffer : { &scratchMidi, &threeByteMidi, &noteMidi, &otherMidi, &chunkOutMidi, &chunkInMidi, &synthMidi })
         reserve (*buffer);
 
     matchedHandlers.reserve (maxMatchedHandlers);
@@ -67,6 +68,7 @@ void Processor::prepareToPlay (double sampleRate, int samplesPerBlock)
 {
     internalPlayHead.prepare (sampleRate, samplesPerBlock);
     midiProcessor.prepare (sampleRate, samplesPerBlock);
+    synth.prepare (juce::jmax (getTotalNumOutputChannels(), stereo), sampleRate, samplesPerBlock);
     transport->running.store (true);
 }
 
@@ -295,10 +297,47 @@ void Processor::mergeOtherEvents (juce::MidiBuffer& midi)
     midi.swapWith (chunkOutMidi);
 }
 
-void Processor::renderAudio (juce::AudioBuffer<float>&, const juce::MidiBuffer&)
+void Processor::renderAudio (juce::AudioBuffer<float>& buffer, const juce::MidiBuffer& midi)
 {
-    // Synth, delay, mix and master gain render here once they exist. With
-    // nothing rendered the meter reads silence.
+    if (! feedSynth (midi, buffer.getNumSamples()))
+    {
+        // Nothing sounds and nothing behind the synth runs: the meter reads
+        // silence whoever watches it.
+        state->level.store (0.0f);
+        return;
+    }
+
+    renderSynth (buffer);
+
+    // Delay, mix and master gain follow here once they exist.
     state->level.store (0.0f);
+}
+
+bool Processor::feedSynth (const juce::MidiBuffer& midi, int numSamples)
+{
+    synthMidi.clear();
+
+    if (! state->synth.synthEnable->get())
+    {
+        // Switching the synth off ends what it was playing; the voices ring
+        // out their release before the block stops rendering them.
+        synthGate.process (synthMidi, false, false);
+        return synth.isAnyVoiceActive();
+    }
+
+    for (const auto event : midi)
+        if (event.samplePosition >= 0 && event.samplePosition < numSamples)
+            synthMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+
+    synthGate.process (synthMidi, true, false);
+    return true;
+}
+
+void Processor::renderSynth (juce::AudioBuffer<float>& buffer)
+{
+    auto& sound = state->synth;
+    sound.pushMasterUnison();
+    synth.beginBlock (sound.synth);
+    synth.renderNextBlock (buffer, synthMidi);
 }
 } // namespace Orv::Audio::Plugins::Halvane

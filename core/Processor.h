@@ -9,6 +9,8 @@
 #include "midi/LearnState.h"
 #include "sequencer/LiveSlots.h"
 #include "sequencer/MidiProcessor.h"
+#include "sequencer/NoteGate.h"
+#include "synth/Synth.h"
 
 #include <vector>
 
@@ -47,6 +49,9 @@ public:
     /** Audio thread only; tests inspect: the note path. */
     MidiProcessor& getMidiProcessor() noexcept { return midiProcessor; }
 
+    /** Audio thread only; tests inspect: the instrument behind the arp. */
+    WavetableSynth::Synth& getSynth() noexcept { return synth; }
+
 private:
     //==============================================================================
     // The stages of one block, in their binding order.
@@ -62,6 +67,8 @@ private:
     int runChunk (int from, int to, const PlayHeadTransportView& view);
     void mergeOtherEvents (juce::MidiBuffer& midi);
     void renderAudio (juce::AudioBuffer<float>& buffer, const juce::MidiBuffer& midi);
+    bool feedSynth (const juce::MidiBuffer& midi, int numSamples);
+    void renderSynth (juce::AudioBuffer<float>& buffer);
 
     bool useInternalClock (const juce::Optional<juce::AudioPlayHead::PositionInfo>& hostPosition) const;
     static void reserve (juce::MidiBuffer& buffer) { buffer.ensureSize (midiBufferBytes); }
@@ -86,6 +93,12 @@ private:
     GUIToRealTime<Midi::Learn::State, 5> learnState;
     std::vector<Midi::Learn::Handler*> matchedHandlers;
     juce::MidiBuffer chunkInMidi;
+
+    WavetableSynth::Synth synth;
+    /** Remembers what the synth was sent, so that switching it off ends its
+        notes rather than leaving them to ring. */
+    Sequencer::NoteGate synthGate;
+    juce::MidiBuffer synthMidi;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Processor)
 };
