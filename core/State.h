@@ -6,6 +6,8 @@
 #include "sequencer/LivePatterns.h"
 #include "sequencer/PitchMapRing.h"
 #include "sequencer/TransportControl.h"
+#include "sequencer/midiplayer/ChoiceParam.h"
+#include "sequencer/midiplayer/State.h"
 #include "synth/SynthParams.h"
 
 #include <atomic>
@@ -31,6 +33,11 @@ public:
         every span. */
     ArpSettings arp;
 
+    /** The file player: its clip and its two switches. */
+    Sequencer::MidiPlayer::State midiPlayer;
+    /** The choice of built-in clip, for the GUI. */
+    Sequencer::MidiPlayer::ChoiceParam midiFiles { midiPlayer };
+
     /** The eight patterns, their slots and the keyswitch queue. */
     LivePatterns sequencer;
     /** The one transport of the instance: the patterns' own. */
@@ -48,8 +55,9 @@ public:
     /** Number of meters watching `level`; the block measures only when
         someone looks. */
     std::atomic<int> levelListeners { 0 };
-    /** True while the MIDI file player drives the arp in place of the keys. */
-    std::atomic<bool> filePlayerActive { false };
+    /** The file player's "active": while it is on the player, not the keys,
+        feeds the arp, and the block's clock follows a stopped host. */
+    std::atomic<bool>& filePlayerActive { midiPlayer.active };
 
     //==============================================================================
     /** Message thread: the arp's parameters by key, as a pattern preset's

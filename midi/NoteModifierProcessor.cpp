@@ -31,6 +31,22 @@ namespace
     {
         return juce::MidiMessage::noteOn (channelOf (record), record.mapped, toMidiVelocity (record.velocity));
     }
+
+    /** Whether the buffer's first sample ends the note before any new start of it. */
+    bool endsAtFirstSample (const juce::MidiBuffer& buffer, int note)
+    {
+        for (const auto metadata : buffer)
+        {
+            if (metadata.samplePosition > 0)
+                break;
+
+            const auto message = metadata.getMessage();
+            if (message.isNoteOnOrOff() && message.getNoteNumber() == note)
+                return message.isNoteOff();
+        }
+
+        return false;
+    }
 } // namespace
 
 NoteModifierProcessor::NoteModifierProcessor()
@@ -50,7 +66,7 @@ void NoteModifierProcessor::process (juce::MidiBuffer& buffer)
     if (changed)
     {
         changed = false;
-        remapActiveNotes();
+        remapActiveNotes (buffer);
     }
 
     for (const auto metadata : buffer)
@@ -69,15 +85,22 @@ void NoteModifierProcessor::process (juce::MidiBuffer& buffer)
     buffer.swapWith (output);
 }
 
-void NoteModifierProcessor::remapActiveNotes()
+void NoteModifierProcessor::remapActiveNotes (const juce::MidiBuffer& buffer)
 {
+    // A note that the span ends at its first sample stays where it is: moved,
+    // it would be struck for no time at all. Its own off ends it there.
+    const auto moves = [&buffer] (const ActiveNote& record) { return ! endsAtFirstSample (buffer, record.note); };
+
     // All offs before any on: a note whose new place is another's old place
     // must not be ended right after it was started.
     for (const auto& record : active)
-        output.addEvent (noteOffFor (record), 0);
+        if (moves (record))
+            output.addEvent (noteOffFor (record), 0);
 
     for (auto& record : active)
     {
+        if (! moves (record))
+            continue;
         record.mapped = mapLimited (record.note);
         output.addEvent (noteOnFor (record), 0);
     }

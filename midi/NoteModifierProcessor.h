@@ -19,7 +19,8 @@ struct ActiveNote
 /** A stage that moves each note to another number and remembers where it sent
     it, so that the note-off ends the note that actually sounds. When its
     setting changes (see markChanged) every sounding note is ended and started
-    again at its new place at the start of the next span. */
+    again at its new place at the start of the next span, unless the span
+    ends it at that very sample anyway. */
 class NoteModifierProcessor : public MidiProcessorBase
 {
 public:
@@ -49,7 +50,7 @@ public:
     const std::vector<ActiveNote>& getActiveNotes() const noexcept { return active; }
 
 private:
-    void remapActiveNotes();
+    void remapActiveNotes (const juce::MidiBuffer& buffer);
     void startNote (const juce::MidiMessage& message, int sample);
     void endNote (int note, int sample);
     int mapLimited (int note);

@@ -12,7 +12,11 @@ MidiProcessor::MidiProcessor()
         buffer->ensureSize (NoteMessage::bufferBytes);
 }
 
-void MidiProcessor::prepare (double, int samplesPerBlock) { metaSlot.prepare (samplesPerBlock); }
+void MidiProcessor::prepare (double, int samplesPerBlock)
+{
+    metaSlot.prepare (samplesPerBlock);
+    midiPlayer.prepare (samplesPerBlock);
+}
 
 //==============================================================================
 int MidiProcessor::processChunk (int from, int to, const ChunkContext& context)
@@ -28,7 +32,7 @@ int MidiProcessor::processChunk (int from, int to, const ChunkContext& context)
 
     const auto span = context.blockView.subView (from, count);
     const auto& settings = context.state.arp;
-    const auto playerActive = context.state.filePlayerActive.load();
+    const auto playerActive = context.state.midiPlayer.isActive();
     const auto octaves = settings.getOctaves();
 
     selectSource (context, span);
@@ -65,11 +69,10 @@ void MidiProcessor::copySpan (const juce::MidiBuffer& in, int from, int to)
             workMidi.addEvent (event.data, event.numBytes, event.samplePosition - from);
 }
 
-bool MidiProcessor::filePlayerDrives (const ChunkContext&, const PlayHeadTransportView&) const noexcept
+bool MidiProcessor::filePlayerDrives (const ChunkContext& context, const PlayHeadTransportView& span) noexcept
 {
-    // The file player takes over from the keys while it is active and
-    // playing and the clock plays. It is not built yet, so the keys drive.
-    return false;
+    const auto& player = context.state.midiPlayer;
+    return player.isActive() && player.isPlaying() && span.isPlaying();
 }
 
 void MidiProcessor::selectSource (const ChunkContext& context, const PlayHeadTransportView& span)
@@ -79,9 +82,21 @@ void MidiProcessor::selectSource (const ChunkContext& context, const PlayHeadTra
         // The keys are not heard while the file plays; what they held ends.
         workMidi.clear();
         inputGate.process (workMidi, false, false);
-        // The file player's notes join the buffer here once it exists.
+
+        midiPlayer.run (span);
+        workMidi.addEvents (midiPlayer.getOutput(), 0, span.getCount(), 0);
+
+        // The clip's notes go down the chain as if they had been played. The
+        // gate takes over quietly: the keys' notes were released above.
         playerGate.process (workMidi, true, true);
+        playerFed = true;
         return;
+    }
+
+    if (playerFed)
+    {
+        midiPlayer.stop (span);
+        playerFed = false;
     }
 
     playerGate.process (workMidi, false, false);

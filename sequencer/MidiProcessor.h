@@ -9,6 +9,7 @@
 #include "sequencer/LiveSlots.h"
 #include "sequencer/MidiMetaSlot.h"
 #include "sequencer/NoteGate.h"
+#include "sequencer/midiplayer/Processor.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
@@ -51,6 +52,10 @@ public:
     /** Message thread: builds the chain and the runners, and reserves. */
     MidiProcessor();
 
+    /** Message thread: the file player follows the state's player from now
+        on. Until then it has no clip, and plays silence when switched on. */
+    void attachPlayer (State& state) { midiPlayer.attach (state.midiPlayer); }
+
     /** Prepare time, never during a block: makes room for runs of up to
         `samplesPerBlock` samples (allocates). */
     void prepare (double sampleRate, int samplesPerBlock);
@@ -73,15 +78,21 @@ public:
     /** Audio thread, or a test: the held chord and its table. */
     const ChordMap& getChordMap() const noexcept { return chordMap; }
 
+    /** Audio thread, or a test: the file player. */
+    const Sequencer::MidiPlayer::Processor& getMidiPlayer() const noexcept { return midiPlayer; }
+
 private:
     void copySpan (const juce::MidiBuffer& in, int from, int to);
-    bool filePlayerDrives (const ChunkContext& context, const PlayHeadTransportView& span) const noexcept;
+    static bool filePlayerDrives (const ChunkContext& context, const PlayHeadTransportView& span) noexcept;
     void selectSource (const ChunkContext& context, const PlayHeadTransportView& span);
     void runChain (const ArpSettings& settings, ArpSettings::Octaves octaves, bool playerActive);
     bool runNotes (const ChunkContext& context, const PlayHeadTransportView& span, bool playerActive);
     int runArpStage (int from, int to, const PlayHeadTransportView& span, const Sequencer::LiveSlots& slots);
 
     juce::MidiBuffer workMidi;
+    Sequencer::MidiPlayer::Processor midiPlayer;
+    /** Whether the last span's notes came from the file player. */
+    bool playerFed = false;
     Sequencer::NoteGate playerGate;
     Sequencer::NoteGate inputGate;
     Midi::SustainPedal::SimpleProcessor sustain;

@@ -142,6 +142,13 @@ TEST (NoteMapper, ChangedTranspositionMovesHeldNotesAtSpanStartOffsFirst)
     EXPECT_EQ (run (transpose, {}), Lines {}) << "the same offset again is no change";
     ASSERT_EQ (transpose.getActiveNotes().size(), 1u);
     EXPECT_EQ (transpose.getActiveNotes()[0].mapped, 66);
+
+    // A note that the span ends at its first sample is not struck anew for
+    // no time: it ends where it sounds.
+    run (transpose, { { on (67), 20 } });
+    transpose.setOffset (5);
+    EXPECT_EQ (run (transpose, { { off (64), 0 } }),
+               (Lines { "off 69 100 @0", "on 72 100 @0", "off 66 90 @0" }));
 }
 
 TEST (NoteMapper, LimitClampsWithoutFoldingByOctaves)

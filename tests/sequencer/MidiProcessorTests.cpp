@@ -63,8 +63,13 @@ struct ArpRig
     }
 
     /** A stopped host is followed only while the file player is on: otherwise
-        the arp runs on the internal clock. */
-    void followHostStops() { state().filePlayerActive.store (true); }
+        the arp runs on the internal clock. The player's own play button is
+        off, so that the keys still feed the arp. */
+    void followHostStops()
+    {
+        state().midiPlayer.playing.store (false);
+        state().filePlayerActive.store (true);
+    }
 
     /** Runs one block of `n` samples with `events` at block positions; a
         playing host moves on by the block. */
