@@ -38,6 +38,9 @@ Processor::Processor()
     sequencer.slotsBroadcaster.add (liveSlotsListener);
     currentSlots = &liveSlots.current();
 
+    // The file player follows the state's clip from here on.
+    midiProcessor.attachPlayer (*state);
+
     for (auto* buffer : { &scratchMidi, &threeByteMidi, &noteMidi, &otherMidi, &chunkOutMidi, &chunkInMidi, &synthMidi })
         reserve (*buffer);
 
@@ -68,7 +71,9 @@ void Processor::prepareToPlay (double sampleRate, int samplesPerBlock)
 {
     internalPlayHead.prepare (sampleRate, samplesPerBlock);
     midiProcessor.prepare (sampleRate, samplesPerBlock);
-    synth.prepare (juce::jmax (getTotalNumOutputChannels(), stereo), sampleRate, samplesPerBlock);
+    const auto numChannels = juce::jmax (getTotalNumOutputChannels(), stereo);
+    synth.prepare (numChannels, sampleRate, samplesPerBlock);
+    outputChain.prepare (numChannels, sampleRate, samplesPerBlock);
     transport->running.store (true);
 }
 
@@ -308,9 +313,21 @@ void Processor::renderAudio (juce::AudioBuffer<float>& buffer, const juce::MidiB
     }
 
     renderSynth (buffer);
+    renderOutputChain (buffer);
+}
 
-    // Delay, mix and master gain follow here once they exist.
-    state->level.store (0.0f);
+void Processor::renderOutputChain (juce::AudioBuffer<float>& buffer)
+{
+    const auto& sound = state->synth;
+    // A synced delay follows the clock the block ran on; without a tempo the
+    // chain assumes its own fallback.
+    const auto bpm = internalPlayHead.getInfo().getBpm().orFallback (0.0);
+    const auto measure = state->levelListeners.load() >= 1;
+
+    const auto level = outputChain.process (buffer, sound.synth.delay, sound.master->get(), bpm, measure);
+
+    if (measure)
+        state->level.store (level);
 }
 
 bool Processor::feedSynth (const juce::MidiBuffer& midi, int numSamples)

@@ -10,6 +10,7 @@
 #include "sequencer/LiveSlots.h"
 #include "sequencer/MidiProcessor.h"
 #include "sequencer/NoteGate.h"
+#include "synth/OutputChain.h"
 #include "synth/Synth.h"
 
 #include <vector>
@@ -69,6 +70,7 @@ private:
     void renderAudio (juce::AudioBuffer<float>& buffer, const juce::MidiBuffer& midi);
     bool feedSynth (const juce::MidiBuffer& midi, int numSamples);
     void renderSynth (juce::AudioBuffer<float>& buffer);
+    void renderOutputChain (juce::AudioBuffer<float>& buffer);
 
     bool useInternalClock (const juce::Optional<juce::AudioPlayHead::PositionInfo>& hostPosition) const;
     static void reserve (juce::MidiBuffer& buffer) { buffer.ensureSize (midiBufferBytes); }
@@ -99,6 +101,7 @@ private:
         notes rather than leaving them to ring. */
     Sequencer::NoteGate synthGate;
     juce::MidiBuffer synthMidi;
+    OutputChain outputChain;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Processor)
 };

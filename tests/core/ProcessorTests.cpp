@@ -332,6 +332,86 @@ TEST (ProcessorRealTime, SteadyStateBlocksAllocateNothing)
 //==============================================================================
 namespace
 {
+float peakOf (const juce::AudioBuffer<float>& audio, int channel)
+{
+    return audio.getMagnitude (channel, 0, audio.getNumSamples());
+}
+} // namespace
+
+TEST (ProcessorAudio, APlayedNoteSoundsOnBothChannelsUnderTheMasterAndTheMeterReadsItOnlyWhenWatched)
+{
+    Fixture f;
+    f.arpOff();
+    auto& sound = f.processor.getState().synth;
+
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::noteOn (1, 60, (uint8_t) 100), 0);
+    f.run (in);
+    // The output fades in over its first tenth of a second.
+    for (int i = 0; i < 10; ++i)
+        f.run ({});
+    for (int c = 0; c < 2; ++c)
+        EXPECT_GT (peakOf (f.audio, c), 0.01f) << "channel " << c;
+    EXPECT_EQ (f.processor.getState().level.load(), 0.0f) << "nobody watches the meter";
+
+    f.processor.getState().levelListeners.store (1);
+    f.run ({});
+    const auto rms = f.audio.getRMSLevel (0, 0, blockSize);
+    EXPECT_GT (rms, 0.0f);
+    EXPECT_FLOAT_EQ (f.processor.getState().level.load(), rms) << "the first channel's RMS";
+
+    // The master at its floor is silence, once its glide has landed.
+    sound.master->setValueNotifyingHost (0.0f);
+    for (int i = 0; i < 20; ++i)
+        f.run ({});
+    EXPECT_EQ (peakOf (f.audio, 0), 0.0f);
+    EXPECT_EQ (f.processor.getState().level.load(), 0.0f);
+}
+
+TEST (ProcessorAudio, SwitchingTheSynthOffEndsItsNotesLetsThemRingOutAndThenRendersNothing)
+{
+    Fixture f;
+    f.arpOff();
+    auto& sound = f.processor.getState().synth;
+    *sound.synth.adsr.release = 0.5f;
+    f.processor.getState().levelListeners.store (1);
+
+    juce::MidiBuffer in;
+    in.addEvent (juce::MidiMessage::noteOn (1, 64, (uint8_t) 100), 0);
+    f.run (in);
+    for (int i = 0; i < 10; ++i)
+        f.run ({});
+    ASSERT_GT (peakOf (f.audio, 0), 0.01f);
+
+    // Off at exactly one half still counts as on.
+    sound.synthEnable->setValueNotifyingHost (0.5f);
+    f.run ({});
+    EXPECT_GT (peakOf (f.audio, 0), 0.01f);
+
+    *sound.synthEnable = false;
+    f.run ({});
+    EXPECT_TRUE (f.processor.getSynth().isAnyVoiceActive()) << "the release rings on";
+    EXPECT_GT (peakOf (f.audio, 0), 0.0f);
+
+    // Half a second of release, and a little more for the delay's glides.
+    for (int i = 0; i < 60; ++i)
+        f.run ({});
+    EXPECT_FALSE (f.processor.getSynth().isAnyVoiceActive());
+    EXPECT_EQ (peakOf (f.audio, 0), 0.0f);
+    EXPECT_EQ (f.processor.getState().level.load(), 0.0f);
+
+    // A note played while the synth is off is never heard, but still leaves.
+    in.clear();
+    in.addEvent (juce::MidiMessage::noteOn (1, 67, (uint8_t) 100), 10);
+    const auto out = f.run (in);
+    EXPECT_EQ (out.size(), 1u);
+    EXPECT_FALSE (f.processor.getSynth().isAnyVoiceActive());
+    EXPECT_EQ (peakOf (f.audio, 0), 0.0f);
+}
+
+//==============================================================================
+namespace
+{
 /** A processor whose every host-facing call fails. */
 class FailingProcessor : public Processor
 {
