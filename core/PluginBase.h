@@ -14,7 +14,10 @@ public:
     Base (const juce::String& pluginName, const BusesProperties& buses)
         : SharedBase (pluginName, buses), state (std::make_unique<StateType>())
     {
+        this->presetState = state.get();
     }
+
+    ~Base() override { this->presetState = nullptr; }
 
     /** Any thread: the instance's state; it outlives every editor. */
     StateType& getState() noexcept { return *state; }

@@ -78,6 +78,19 @@ void State::addHostedParams()
 
 State::~State() = default;
 
+void State::reflectContent (Reflector& reflector)
+{
+    reflector.addChild ("Patterns", sequencer);
+
+    if (! reflector.context.isInstanceScope())
+        return;
+
+    reflector.addChild ("MidiPlayer", midiPlayer);
+    reflector.addChild ("Synth", sound);
+    reflector.addChild ("Octave", octaveRange);
+    reflector.addChild ("UI", ui);
+}
+
 void State::rebuildIfSwingMoved()
 {
     const auto swing = valueOf (*transport.swing);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/Broadcaster.h"
+#include "core/OctaveRange.h"
+#include "core/PluginStateBase.h"
 #include "parameters/ParamList.h"
 #include "sequencer/ArpSettings.h"
 #include "sequencer/LivePatterns.h"
@@ -9,6 +11,7 @@
 #include "sequencer/midiplayer/ChoiceParam.h"
 #include "sequencer/midiplayer/State.h"
 #include "synth/SynthParams.h"
+#include "synth/SynthPreset.h"
 
 #include <atomic>
 
@@ -19,15 +22,22 @@ namespace Orv::Audio::Plugins::Halvane
     destroyed on the message thread; the audio thread reads only parameters
     and atomics here, and writes the level, the pitch-map ring and the
     transport's and live control's words. */
-class State
+class State : public Audio::Plugin::StateBase
 {
 public:
     /** Message thread: the eight patterns, already rebuilt into slots. */
     State();
-    ~State();
+    ~State() override;
 
-    State (const State&) = delete;
-    State& operator= (const State&) = delete;
+    //==============================================================================
+    /** Files older than this hold patterns in a form no longer read. */
+    Version getMinVersion() const override { return { 0, 5, 3 }; }
+    juce::File getDefaultFile() const override { return getFactoryDirectory().getChildFile ("WELCOME.json"); }
+    Audio::ParamList* getParams() override { return &params; }
+
+    /** "Patterns", and in an instance pass the player, the sound, the
+        octave range and the piano roll's settings. */
+    void reflectContent (Reflector& reflector) override;
 
     /** The arp's parameters and octave range: what the note path reads on
         every span. */
@@ -46,6 +56,12 @@ public:
     /** The sound. A sound preset's "Params"; it is kept beside the arp's
         list, since pattern presets do not carry the sound. */
     SynthParams synth;
+    /** The sound as a preset of its own, over `synth`. */
+    SynthPreset sound { synth };
+    /** The octaves the arp's notes fold into; writes `arp`'s range word. */
+    OctaveRange octaveRange { arp };
+    /** The piano roll's small settings. */
+    UIState ui;
     /** The arp's row-to-note table, for the display. */
     PitchMapRing pitchMap;
 
@@ -59,10 +75,6 @@ public:
         feeds the arp, and the block's clock follows a stopped host. */
     std::atomic<bool>& filePlayerActive { midiPlayer.active };
 
-    //==============================================================================
-    /** Message thread: the arp's parameters by key, as a pattern preset's
-        "Params" holds them. */
-    Audio::ParamList& getParams() noexcept { return params; }
 
     /** Message thread: the fronts the host sees, in the host's order; the
         processor attaches them to itself. */

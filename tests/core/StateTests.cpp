@@ -35,13 +35,13 @@ TEST (State, APatternPresetsParamsHoldTheArpsSettingsAndNeverTheSound)
     State state;
     *state.synth.unison = 2;
 
-    auto saved = Orv::Json::toJson (state.getParams(), Orv::ReflectContext::forPreset());
+    auto saved = Orv::Json::toJson (*state.getParams(), Orv::ReflectContext::forPreset());
     EXPECT_EQ (saved, nlohmann::json::parse (R"({"Quantize": "1/4", "Retrigger": "Off", "Transpose": "0",
         "Octave": "0", "Key": "C", "ArpActive": "On", "Swing": "0%", "SwingRef": "1/8"})"));
 
     // Old pattern files still carry a sound; it is left alone.
     auto old = nlohmann::json::parse (R"({"Quantize": "2/4", "Synth": {"Unison": "1"}})");
-    Orv::Json::fromJson (old, state.getParams(), Orv::ReflectContext::forPreset());
+    Orv::Json::fromJson (old, *state.getParams(), Orv::ReflectContext::forPreset());
     EXPECT_EQ (state.arp.getQuantize(), 1);
     EXPECT_EQ (state.synth.unison->get(), 2);
 }
