@@ -64,7 +64,7 @@ namespace
         for (const auto& [parameter, value] : values)
         {
             // Values are normalised; a file's stray number is held to the range.
-            const auto normalised = std::isfinite (value) ? std::clamp (value, 0.0f, 1.0f) : 0.0f;
+            const auto normalised = std::isnan (value) ? 0.0f : std::clamp (value, 0.0f, 1.0f);
             if (parameter->getValue() != normalised)
                 parameter->setValueNotifyingHost (normalised);
         }

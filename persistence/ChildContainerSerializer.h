@@ -72,6 +72,11 @@ private:
 
     void load (Reflector& node)
     {
+        // A list of the wrong shape is treated like a missing one: whatever
+        // a file puts there, the elements stay as they are.
+        if (! node.isSequence())
+            return;
+
         if (clearFirst)
             container.clear();
 

@@ -56,6 +56,9 @@ public:
         anything else. */
     int getSize() const override;
 
+    /** An array or null. */
+    bool isSequence() const override { return json.is_array() || json.is_null(); }
+
     /** The value this node reads. */
     const nlohmann::json& getJson() const noexcept { return json; }
 

@@ -48,6 +48,11 @@ public:
 
     /** The number of children of this node. */
     virtual int getSize() const { return 0; }
+
+    /** Whether this node may be read as a sequence: a list, or nothing at
+        all. A node that holds something else (an object or a plain value
+        where a list belongs) is of the wrong shape. */
+    virtual bool isSequence() const { return true; }
 };
 
 //==============================================================================

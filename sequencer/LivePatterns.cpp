@@ -71,6 +71,13 @@ void LivePatterns::reflect (Reflector& reflector)
     if (! reflector.isLoading())
         return;
 
+    // Eight patterns, whatever a file holds: the keyswitches and pads reach
+    // exactly these.
+    patterns.resize (numPatterns);
+    for (auto& pattern : patterns)
+        if (pattern == nullptr)
+            pattern = std::make_unique<Pattern>();
+
     // The audio thread takes the loaded pattern by the path a keyswitch takes.
     queueActiveKeyswitch();
     stateBroadcaster.call();

@@ -143,7 +143,7 @@ TEST (LivePatterns, LoadKeepsOnlyRowsFiftyEightToSixtyNine)
     EXPECT_TRUE (fresh.sequence.steps.empty()) << "the default step on row 36 never survives a load";
 }
 
-TEST (LivePatterns, PresetLoadIgnoresOldKeysResizesAndOverwritesDuration)
+TEST (LivePatterns, PresetLoadIgnoresOldKeysKeepsEightPatternsAndOverwritesDuration)
 {
     auto file = json::parse (R"({"Patterns": [], "Sequencer": {"Transport": {"SwingRef": {"Value": "1/2"}}}})");
     for (int i = 0; i < 3; ++i)
@@ -161,8 +161,11 @@ TEST (LivePatterns, PresetLoadIgnoresOldKeysResizesAndOverwritesDuration)
 
     EXPECT_EQ (saveIn (old, preset), saveIn (plain, preset));
     EXPECT_FALSE (saveIn (old, preset).contains ("fitLoop"));
-    ASSERT_EQ (plain.patterns.size(), 3u);
-    EXPECT_EQ (plain.liveSlots.slots.size(), 3u);
+    // A file with fewer patterns fills the rest with empty ones: every
+    // keyswitch and pad must find its pattern.
+    ASSERT_EQ (plain.patterns.size(), 8u);
+    EXPECT_EQ (plain.liveSlots.slots.size(), 8u);
+    EXPECT_EQ (plain.patterns[5]->sequence.steps.size(), 1u);
     EXPECT_EQ (plain.patterns[1]->sequence.duration.duration, 4.0);
     EXPECT_EQ (plain.patterns[1]->sequence.duration.mode, Modifiers::Duration::explicitMode);
     EXPECT_EQ (plain.transport.swingPair().period, 2.0);
