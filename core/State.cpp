@@ -78,6 +78,12 @@ void State::addHostedParams()
 
 State::~State() = default;
 
+void State::initialise()
+{
+    StateBase::initialise();
+    sound.initialise();
+}
+
 void State::reflectContent (Reflector& reflector)
 {
     reflector.addChild ("Patterns", sequencer);

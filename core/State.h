@@ -32,7 +32,10 @@ public:
     //==============================================================================
     /** Files older than this hold patterns in a form no longer read. */
     Version getMinVersion() const override { return { 0, 5, 3 }; }
-    juce::File getDefaultFile() const override { return getFactoryDirectory().getChildFile ("WELCOME.json"); }
+    juce::File getDefaultFile() const override { return getFactoryDirectoryResolved().getChildFile ("WELCOME.json"); }
+    /** The pattern library first, then the sound's: an instance starts with
+        the default pattern preset and the default sound. */
+    void initialise() override;
     Audio::ParamList* getParams() override { return &params; }
 
     /** "Patterns", and in an instance pass the player, the sound, the

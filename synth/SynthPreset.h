@@ -16,7 +16,7 @@ public:
     juce::String getProduct() const override { return "Halvane Sounds"; }
     juce::File getDefaultFile() const override
     {
-        return getFactoryDirectory().getChildFile ("Basics").getChildFile ("Spacey Piano.json");
+        return getFactoryDirectoryResolved().getChildFile ("Basics").getChildFile ("Spacey Piano.json");
     }
     juce::String getFactoryResource() const override { return "FactorySounds.zip"; }
     juce::File getFactoryDirectory() const override { return getApplicationDataRoot().getChildFile ("Sounds"); }
