@@ -76,9 +76,6 @@ SharedBase::~SharedBase() { *aliveToken = false; }
 //==============================================================================
 void SharedBase::getStateInformation (juce::MemoryBlock& destData)
 {
-    // A restore that still waits would land after this save and make it a lie.
-    presetTask.set ({});
-
     if (presetState == nullptr)
     {
         destData.reset();
@@ -125,6 +122,10 @@ std::string SharedBase::makeStateTextOnMessageThread()
 
 std::string SharedBase::makeStateText()
 {
+    // A host that restores and saves at once must get back what it gave: a
+    // restore still waiting for its tick is loaded before the save.
+    presetTask.run();
+
     auto json = presetState->toJson (ReflectContext::forHostState());
 
     auto flat = nlohmann::json::object();

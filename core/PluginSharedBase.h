@@ -38,7 +38,7 @@ public:
         as it was. */
     void setStateInformation (const void* data, int sizeInBytes) override;
 
-    /** Message thread: the blob's JSON text. */
+    /** Message thread: the blob's JSON text, after any restore that waits. */
     std::string makeStateText();
 
     /** Message thread: loads an instance pass into the state. When the load

@@ -11,7 +11,7 @@ namespace Orv::Audio::Plugin
     A host may restore from a loader thread that must not wait for the
     message thread, so the load is left here and the next shared tick runs
     it. Setting a new job replaces the waiting one: of two quick restores
-    only the later is loaded, and a save drops a restore not yet run.
+    only the later is loaded.
 
     One per instance, not one per process, so that a project that restores
     two instances at once loads both.

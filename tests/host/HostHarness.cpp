@@ -14,6 +14,19 @@ void FakePlayHead::setPlaying (double ppq, double bpm, int64_t sampleTime, bool 
     info.setTimeSignature (juce::AudioPlayHead::TimeSignature { 4, 4 });
     info.setIsPlaying (playing);
     position = info;
+    startPpq = ppq;
+    startSample = sampleTime;
+}
+
+void FakePlayHead::advance (int numSamples, double sampleRate)
+{
+    if (! position.hasValue() || ! position->getIsPlaying())
+        return;
+
+    const auto bpm = position->getBpm().orFallback (120.0);
+    const auto sample = position->getTimeInSamples().orFallback (0) + numSamples;
+    position->setTimeInSamples (sample);
+    position->setPpqPosition (startPpq + (double) (sample - startSample) * bpm / (60.0 * sampleRate));
 }
 
 juce::File HostedHalvane::getBundle() { return juce::File (HALVANE_VST3_BUNDLE); }
@@ -51,12 +64,7 @@ juce::MidiBuffer HostedHalvane::processBlock (const juce::MidiBuffer& midiIn, in
     juce::MidiBuffer midi (midiIn);
     instance->processBlock (audio, midi);
 
-    if (auto& pos = hostPlayHead.position; pos.hasValue() && pos->getIsPlaying())
-    {
-        const auto bpm = pos->getBpm().orFallback (120.0);
-        const auto ppq = pos->getPpqPosition().orFallback (0.0) + numSamples * bpm / (60.0 * sampleRate);
-        hostPlayHead.setPlaying (ppq, bpm, pos->getTimeInSamples().orFallback (0) + numSamples);
-    }
+    hostPlayHead.advance (numSamples, sampleRate);
 
     samplesPlayed += numSamples;
     return midi;

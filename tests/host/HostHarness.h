@@ -19,7 +19,16 @@ public:
     /** The host stops answering. */
     void clear() { position = {}; }
 
+    /** Moves a playing transport on by a block. The position is worked out
+        from where play started, as hosts do, not summed block by block, so
+        that steps on whole quarters land on their exact samples. */
+    void advance (int numSamples, double sampleRate);
+
     juce::Optional<PositionInfo> position;
+
+private:
+    double startPpq = 0.0;
+    int64_t startSample = 0;
 };
 
 /** One MIDI event as the host received it, in samples from the first block. */
