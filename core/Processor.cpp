@@ -31,6 +31,11 @@ Processor::Processor()
 {
     transport = &state->transport;
 
+    // The factory libraries are unpacked the first time in a process, and a
+    // new instance starts on the default pattern preset and sound; a host
+    // that restores a project replaces them right after.
+    state->initialise();
+
     // Every rebuild of the patterns reaches the block as a fresh copy.
     auto& sequencer = state->sequencer;
     liveSlots.push (sequencer.liveSlots);
