@@ -55,8 +55,6 @@ PresetLocator::Found PresetLocator::find (Kind kind, const juce::String& nameOrP
     const auto asPath = juce::File::getCurrentWorkingDirectory().getChildFile (nameOrPath);
     if (asPath.existsAsFile())
         return read (kind, asPath, false);
-    if (nameOrPath.containsChar ('/') || nameOrPath.endsWithIgnoreCase (extension))
-        throw RenderError ("no such file: " + asPath.getFullPathName().toStdString());
 
     const auto wanted = nameOrPath.trim();
     const auto places = folders (kind);
@@ -66,6 +64,11 @@ PresetLocator::Found PresetLocator::find (Kind kind, const juce::String& nameOrP
                 || file.getRelativePathFrom (places[i]).dropLastCharacters ((int) std::strlen (extension)).equalsIgnoreCase (wanted))
                 return read (kind, file, i == 0);
 
+    // "Basics/Spacey Piano" is a name as --list shows it; these are paths.
+    const bool looksLikePath = wanted.endsWithIgnoreCase (extension) || wanted.startsWithChar ('/')
+                               || wanted.startsWith ("./") || wanted.startsWith ("../") || wanted.startsWithChar ('~');
+    if (looksLikePath)
+        throw RenderError ("no such file: " + asPath.getFullPathName().toStdString());
     throw RenderError ("unknown " + describe (kind).toStdString() + " '" + nameOrPath.toStdString() + "' (see --list)");
 }
 

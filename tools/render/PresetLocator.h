@@ -29,11 +29,10 @@ public:
     /** The factory folder of a kind, then the user's. */
     static juce::Array<juce::File> folders (Kind kind);
 
-    /** An existing file is read as it is; anything that looks like a path
-        ("/" in it, or ending in ".json") must be one. Otherwise the name is
-        matched, ignoring case, against the file names without ".json" in the
-        folders, factory first. Throws RenderError when nothing is found, or
-        when the file is no preset of this kind. */
+    /** An existing file is read as it is. Otherwise the name is matched,
+        ignoring case, against the file names without ".json" in the folders,
+        alone or with their subfolder, factory first. Throws RenderError when
+        nothing is found, or when the file is no preset of this kind. */
     static Found find (Kind kind, const juce::String& nameOrPath);
 
     /** The names that find() accepts, each with its folder below the
