@@ -17,6 +17,7 @@ HALVANE_PACKAGES=(
     libjack-jackd2-dev ladspa-sdk
     libflac-dev libvorbis-dev libogg-dev libpng-dev libjpeg-dev zlib1g-dev
     clang-14 libclang-rt-14-dev
+    time jq
 )
 
 halvane_install_packages() {
