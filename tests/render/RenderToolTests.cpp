@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <juce_audio_formats/juce_audio_formats.h>
+#include <juce_audio_processors/juce_audio_processors.h>
 #include <juce_gui_basics/juce_gui_basics.h>
 #include <nlohmann/json.hpp>
 
@@ -241,11 +242,25 @@ TEST_F (RenderTool, HostInputFromAMidiFileLandsAtItsBeatsAndRendersTheSameBytesT
     EXPECT_TRUE (same ("first.wav", "second.wav"));
     EXPECT_TRUE (same ("first.mid", "second.mid"));
 
-    // The state saved as the render began renders the same again.
-    const auto restored = renderTo ("restored", { "--midi", path ("chord.mid"), "--state", path ("state.bin") });
-    ASSERT_EQ (restored.exitCode, 0) << restored.output;
-    EXPECT_TRUE (same ("first.wav", "restored.wav"));
-    EXPECT_TRUE (same ("first.mid", "restored.mid"));
+    // The state saved as the render began renders the same again, alone or
+    // as a host keeps it: JUCE's binary XML with the blob base-64 encoded
+    // under "IComponent", and the wrapper's own bytes behind it.
+    juce::MemoryBlock component;
+    ASSERT_TRUE (folder.getChildFile ("state.bin").loadFileAsData (component));
+    component.append ("wrapper", 7);
+    juce::XmlElement hostState ("VST3PluginState");
+    hostState.createNewChildElement ("IComponent")->addTextElement (component.toBase64Encoding());
+    juce::MemoryBlock hostBlob;
+    juce::AudioProcessor::copyXmlToBinary (hostState, hostBlob);
+    ASSERT_TRUE (folder.getChildFile ("host.bin").replaceWithData (hostBlob.getData(), hostBlob.getSize()));
+
+    for (const auto* saved : { "state.bin", "host.bin" })
+    {
+        const auto restored = renderTo ("restored", { "--midi", path ("chord.mid"), "--state", path (saved) });
+        ASSERT_EQ (restored.exitCode, 0) << restored.output;
+        EXPECT_TRUE (same ("first.wav", "restored.wav")) << saved;
+        EXPECT_TRUE (same ("first.mid", "restored.mid")) << saved;
+    }
 }
 
 TEST_F (RenderTool, EveryMistakeExitsWithCodeTwoAndOneLineThatNamesIt)
