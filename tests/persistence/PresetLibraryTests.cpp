@@ -83,6 +83,13 @@ struct ArchivePreset : Orv::Presets::Base
     Orv::Binaries::BinaryInfo info;
 };
 
+/** A pattern preset whose program holds no factory archive: its library is
+    only what a test writes. */
+struct BareState : State
+{
+    const Orv::Binaries::BinaryInfo* findFactoryArchive() const override { return nullptr; }
+};
+
 //==============================================================================
 TEST_F (PresetLibrary, FirstInitialiseOfAClassUnpacksItsArchiveLoadsTheDefaultAndLaterOnesLeaveTheFolderAlone)
 {
@@ -210,7 +217,7 @@ TEST_F (PresetLibrary, AFileThatFailsHalfwayLeavesEverythingAsItWas)
 //==============================================================================
 TEST_F (PresetLibrary, NextAndPreviousRunThroughFactoryThenUserFilesAndWrap)
 {
-    State state;
+    BareState state;
     state.initialise();
     Orv::Presets::Param param (state);
     EXPECT_EQ (param.getNormalised(), -1.0f);
@@ -267,7 +274,7 @@ TEST_F (PresetLibrary, NextAndPreviousRunThroughFactoryThenUserFilesAndWrap)
 //==============================================================================
 TEST_F (PresetLibrary, ASavedFileHasTheExactFileFormTheOldNameAndIsListedAtOnce)
 {
-    State state;
+    BareState state;
     state.initialise();
     EXPECT_TRUE (state.getFlatList().empty());
     state.arp.quantize->setValueNotifyingHost (1.0f);
@@ -314,14 +321,16 @@ TEST_F (PresetLibrary, LoadInitPutsBackTheDefaultsOfTheClass)
     ArchivePreset<4> neverInitialised;
     EXPECT_FALSE (neverInitialised.loadInit());
 
-    State state;
+    BareState state;
     state.initialise();
 
     // What the class's initial JSON gives through a load: a fresh pattern's
     // step lies on a row that no load keeps.
     State fresh;
-    ASSERT_TRUE (fresh.loadJson (*Orv::Presets::Initializer::get().find (typeid (State)), preset));
-    const auto init = fresh.toJson (instance);
+    ASSERT_TRUE (fresh.loadJson (*Orv::Presets::Initializer::get().find (typeid (BareState)), preset));
+    // The pattern preset's own content: the sound is a preset of its own,
+    // which the instance's start loaded from the factory.
+    const auto init = fresh.toJson (preset);
 
     auto file = header ("Halvane", "0.9.0", "some-id");
     file["dirty"] = true;
@@ -330,10 +339,10 @@ TEST_F (PresetLibrary, LoadInitPutsBackTheDefaultsOfTheClass)
     file["Patterns"]["Patterns"][2]["Multiply"] = true;
     write (state.getUserDirectory().getChildFile ("Changed.json"), file);
     ASSERT_TRUE (state.load (state.getUserDirectory().getChildFile ("Changed.json")).is_object());
-    ASSERT_NE (state.toJson (instance), init);
+    ASSERT_NE (state.toJson (preset), init);
 
     ASSERT_TRUE (state.loadInit());
-    EXPECT_EQ (state.toJson (instance), init);
+    EXPECT_EQ (state.toJson (preset), init);
     EXPECT_EQ (state.name, "Init");
     EXPECT_EQ (Orv::Presets::Param (state).getText(), "Init");
 }
