@@ -73,10 +73,15 @@ void LivePatterns::reflect (Reflector& reflector)
 
     // Eight patterns, whatever a file holds: the keyswitches and pads reach
     // exactly these.
+    // A pattern added here is what an empty entry of the file loads as: the
+    // placeholder step of a new pattern lies outside the rows a load keeps.
     patterns.resize (numPatterns);
     for (auto& pattern : patterns)
         if (pattern == nullptr)
+        {
             pattern = std::make_unique<Pattern>();
+            pattern->sequence.steps.clear();
+        }
 
     // The audio thread takes the loaded pattern by the path a keyswitch takes.
     queueActiveKeyswitch();
