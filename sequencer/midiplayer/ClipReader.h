@@ -9,11 +9,17 @@ namespace Orv::Sequencer::MidiPlayer
 /** Turns a standard MIDI file into the notes of a clip, in quarter notes, by
     the framework's MIDI file rules: "MThd" at the start or among the first
     words of a "RIFF" file, then the "MTrk" chunks, note-ons matched with
-    their note-offs.
+    their note-offs within a track and channel, a note-on also ending the note
+    it strikes again.
 
-    Every note of every track lands on channel 1 at its velocity out of 127.
+    Every note of every track lands on channel 1 at its velocity out of 127,
+    and so a note struck from another track or channel while it sounds ends
+    there too: no note of a clip overlaps another of its number. The notes
+    come in order of start, in file order where they start together.
+
     The clip lasts whole bars of 4/4 up to the file's last event of any kind,
-    whatever meter the file states, so that a clip loops on the song's bars. */
+    whatever meter the file states, so that a clip loops on the song's bars.
+    A read takes time about in proportion to the events of the file. */
 struct ClipReader
 {
     /** The most of a file that is read; MIDI files are small, and this keeps
