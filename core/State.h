@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Broadcaster.h"
+#include "core/GUIMapping.h"
 #include "core/OctaveRange.h"
 #include "core/PluginStateBase.h"
 #include "parameters/ParamList.h"
@@ -67,6 +68,8 @@ public:
     UIState ui;
     /** The arp's row-to-note table, for the display. */
     PitchMapRing pitchMap;
+    /** The display's copy of that table, taken on the shared tick. */
+    GUIMapping guiMapping { pitchMap };
 
     /** Output level of the last block, for the meter. Written by the audio
         thread. */

@@ -330,6 +330,34 @@ TEST (ProcessorRealTime, SteadyStateBlocksAllocateNothing)
 }
 
 //==============================================================================
+TEST (ProcessorDisplay, TheDisplaysPitchMapFollowsTheHeldChordOnTheTickAfterTheBlock)
+{
+    Fixture f;
+    auto& mapping = f.processor.getState().guiMapping;
+    int told = 0;
+    Orv::Events::Listener listener (mapping.getBroadcaster(), [&] { ++told; });
+
+    juce::MidiBuffer in;
+    for (const auto note : { 67, 60, 64 })
+        in.addEvent (juce::MidiMessage::noteOn (1, note, (uint8_t) 90), 3);
+    f.run (in);
+    EXPECT_EQ (mapping.getSortedNotes().count, 0) << "nothing before the tick";
+
+    mapping.poll();
+    EXPECT_EQ (told, 1);
+    EXPECT_EQ (std::vector<int> (mapping.getSortedNotes().begin(), mapping.getSortedNotes().end()),
+               (std::vector<int> { 60, 64, 67 }));
+    const auto& centre = mapping.getTable()[(size_t) Orv::Audio::Plugins::Halvane::ChordMap::centreRow];
+    ASSERT_GE (centre.count, 1);
+    EXPECT_EQ (centre.notes[0], 60) << "the centre row is the lowest held note";
+
+    // Blocks that change nothing publish nothing, and the display is not told.
+    f.run ({});
+    mapping.poll();
+    EXPECT_EQ (told, 1);
+}
+
+//==============================================================================
 namespace
 {
 float peakOf (const juce::AudioBuffer<float>& audio, int channel)
