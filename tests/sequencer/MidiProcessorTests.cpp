@@ -1,117 +1,26 @@
-#include "core/Processor.h"
 #include "midi/Keyswitches.h"
 
+#include "sequencer/ArpSoak.h"
 #include "sequencer/SequencerTestHelpers.h"
 #include "support/AllocationCounter.h"
-#include "support/FakeHostPlayHead.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdlib>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace
 {
 using namespace Orv::Audio::Plugins::Halvane;
-using Orv::Testing::FakeHostPlayHead;
+using Orv::Testing::ArpRig;
+using Played = ArpRig::Played;
 
-constexpr double sampleRate = 48000.0;
-constexpr double tempo = 120.0;
-constexpr int samplesPerQuarter = 24000; // at that tempo and rate
-constexpr int samplesPerSixteenth = samplesPerQuarter / 4;
-constexpr int stepsPerBar = 16;
-constexpr int maxBlock = 4096;
-
-/** A note event at a time counted from the first block. */
-struct Played
-{
-    juce::MidiMessage message;
-    int sample;
-};
+constexpr int samplesPerQuarter = ArpRig::samplesPerQuarter;
+constexpr int samplesPerSixteenth = ArpRig::samplesPerSixteenth;
+constexpr int stepsPerBar = ArpRig::stepsPerBar;
 
 juce::MidiMessage on (int note) { return juce::MidiMessage::noteOn (1, note, (uint8_t) 100); }
 juce::MidiMessage off (int note) { return juce::MidiMessage::noteOff (1, note); }
-
-/** The whole instance, on a host clock of the test's at 120 BPM, with the
-    output kept as words in song time: "+60@6000" a note-on of 60 at sample
-    6000, "-60@9000" its note-off. */
-struct ArpRig
-{
-    explicit ArpRig (int preparedBlock = 512)
-    {
-        processor.setPlayHead (&host);
-        processor.prepareToPlay (sampleRate, preparedBlock);
-        audio.setSize (2, maxBlock);
-    }
-
-    State& state() { return processor.getState(); }
-    Orv::Sequencer::LiveControl& live() { return *state().sequencer.liveSlots.live; }
-
-    /** Pattern `index` as a bar of steps, one per sixteenth, on the given
-        rows, each `gate` of its sixteenth long. */
-    void setPattern (int index, const std::vector<int>& rows, double gate = 0.5)
-    {
-        auto& sequencer = state().sequencer;
-        auto& steps = sequencer.patterns[(size_t) index]->sequence.steps;
-        steps.clear();
-        for (size_t i = 0; i < rows.size(); ++i)
-            steps.push_back (Orv::Testing::makeStep ((double) i / stepsPerBar, gate / stepsPerBar, rows[i]));
-        sequencer.rebuild();
-    }
-
-    /** A stopped host is followed only while the file player is on: otherwise
-        the arp runs on the internal clock. The player's own play button is
-        off, so that the keys still feed the arp. */
-    void followHostStops()
-    {
-        state().midiPlayer.playing.store (false);
-        state().filePlayerActive.store (true);
-    }
-
-    /** Runs one block of `n` samples with `events` at block positions; a
-        playing host moves on by the block. */
-    void block (int n, const std::vector<Played>& events = {})
-    {
-        const auto ppq = (double) time / samplesPerQuarter;
-        host.position = playing ? FakeHostPlayHead::playing (time, ppq, tempo) : FakeHostPlayHead::stopped (time, ppq, tempo);
-
-        midi.clear();
-        for (const auto& e : events)
-            midi.addEvent (e.message, e.sample);
-
-        audio.setSize (2, n, false, false, true);
-        processor.processBlock (audio, midi);
-
-        for (const auto event : midi)
-        {
-            const auto message = event.getMessage();
-            if (message.isNoteOnOrOff())
-                words.push_back ((message.isNoteOn() ? "+" : "-") + std::to_string (message.getNoteNumber()) + "@"
-                                 + std::to_string (time + event.samplePosition));
-        }
-
-        if (playing)
-            time += n;
-    }
-
-    /** Blocks of `n` until the song has reached `until`. */
-    void playUntil (int64_t until, int n)
-    {
-        while (time < until)
-            block (n);
-    }
-
-    FakeHostPlayHead host;
-    Processor processor;
-    juce::AudioBuffer<float> audio;
-    juce::MidiBuffer midi;
-    int64_t time = 0;
-    bool playing = true;
-    std::vector<std::string> words;
-};
 
 std::string word (char kind, int note, int64_t at) { return kind + std::to_string (note) + "@" + std::to_string (at); }
 
@@ -269,122 +178,17 @@ TEST (ArpPlayback, SteadyBlocksOfAPlayingArpAllocateNothing)
 }
 
 //==============================================================================
-namespace
-{
-/** Reads an optional count or seed from the environment, for longer runs or
-    the replay of one seed. */
-int fromEnvironment (const char* name, int fallback)
-{
-    const auto* text = std::getenv (name);
-    return text != nullptr ? std::atoi (text) : fallback;
-}
-
-/** Fills the eight patterns with random steps on the rows a pattern may hold. */
-void randomPatterns (ArpRig& rig, std::mt19937& random)
-{
-    auto& sequencer = rig.state().sequencer;
-    for (auto& pattern : sequencer.patterns)
-    {
-        auto& steps = pattern->sequence.steps;
-        steps.clear();
-        const auto count = std::uniform_int_distribution<int> (4, 16) (random);
-        for (int i = 0; i < count; ++i)
-        {
-            const auto start = std::uniform_int_distribution<int> (0, stepsPerBar - 1) (random);
-            const auto length = std::uniform_int_distribution<int> (1, 8) (random);
-            const auto row = std::uniform_int_distribution<int> (Pattern::lowestLoadedRow, Pattern::highestLoadedRow) (random);
-            steps.push_back (Orv::Testing::makeStep ((double) start / stepsPerBar, (double) length / (2 * stepsPerBar), row));
-        }
-    }
-    sequencer.rebuild();
-}
-} // namespace
-
-// A model of what a receiver sees: no note may be struck while it sounds,
-// and once the transport has stopped none may be left sounding, whatever the
-// chords, keyswitches, stops, jumps and block sizes before. Set
-// HALVANE_ARP_SEEDS for more seeds, or HALVANE_ARP_SEED to replay one.
+// Random play against a model of what a receiver sees (see playArpSoak).
+// Set HALVANE_ARP_SEEDS for more seeds, or HALVANE_ARP_SEED to replay one;
+// the soak benchmark runs the same play over many more.
 TEST (ArpPlayback, RandomPlayNeverStrikesASoundingNoteAndAStopEndsThemAll)
 {
-    constexpr std::array<int, 4> blockSizes { 1, 7, 64, 4096 };
-    constexpr int blocksPerSeed = 300;
-    const auto firstSeed = fromEnvironment ("HALVANE_ARP_SEED", 1);
-    const auto numSeeds = std::getenv ("HALVANE_ARP_SEED") != nullptr ? 1 : fromEnvironment ("HALVANE_ARP_SEEDS", 256);
+    constexpr int defaultSeeds = 256;
+    const auto seeds = Orv::Testing::ArpSoakSeeds::fromEnvironment (defaultSeeds);
 
-    for (int seed = firstSeed; seed < firstSeed + numSeeds; ++seed)
+    for (int seed = seeds.first; seed < seeds.first + seeds.count; ++seed)
     {
-        std::mt19937 random ((unsigned) seed);
-        auto chance = [&random] (double p) { return std::uniform_real_distribution<double> (0.0, 1.0) (random) < p; };
-        auto pick = [&random] (int low, int high) { return std::uniform_int_distribution<int> (low, high) (random); };
-
-        ArpRig rig (64);
-        randomPatterns (rig, random);
-        if (chance (0.5))
-            rig.followHostStops();
-        *rig.state().arp.quantize = pick (0, 5);
-        *rig.state().arp.retrigger = chance (0.3);
-
-        std::array<bool, 128> sounding {};
-        std::vector<int> held;
-        auto check = [&] (size_t from) {
-            for (auto i = from; i < rig.words.size(); ++i)
-            {
-                const auto& w = rig.words[i];
-                const auto note = std::stoi (w.substr (1, w.find ('@') - 1));
-                if (w[0] == '+')
-                {
-                    ASSERT_FALSE (sounding[(size_t) note]) << "seed " << seed << ": struck while on, " << w;
-                    sounding[(size_t) note] = true;
-                }
-                else
-                {
-                    sounding[(size_t) note] = false;
-                }
-            }
-        };
-
-        for (int b = 0; b < blocksPerSeed && ! testing::Test::HasFatalFailure(); ++b)
-        {
-            const auto n = blockSizes[(size_t) pick (0, (int) blockSizes.size() - 1)];
-            std::vector<Played> events;
-
-            if (chance (0.4))
-            {
-                const auto note = pick (48, 72);
-                const auto at = pick (0, n - 1);
-                const auto isHeld = std::find (held.begin(), held.end(), note) != held.end();
-                events.push_back ({ isHeld ? off (note) : on (note), at });
-                if (isHeld)
-                    held.erase (std::find (held.begin(), held.end(), note));
-                else
-                    held.push_back (note);
-            }
-            if (chance (0.05))
-                events.push_back ({ on (Keyswitches::notes[(size_t) pick (0, Keyswitches::numSlots - 1)]), pick (0, n - 1) });
-            if (chance (0.03))
-                rig.playing = ! rig.playing;
-            if (chance (0.02))
-                rig.time = pick (0, 40) * samplesPerSixteenth + pick (0, 100);
-            if (chance (0.02))
-                randomPatterns (rig, random);
-
-            std::sort (events.begin(), events.end(), [] (const Played& a, const Played& b) { return a.sample < b.sample; });
-            const auto from = rig.words.size();
-            rig.block (n, events);
-            check (from);
-        }
-
-        rig.followHostStops();
-        rig.playing = false;
-        const auto from = rig.words.size();
-        rig.block (64);
-        rig.block (64);
-        check (from);
-
-        for (int note = 0; note < 128; ++note)
-            EXPECT_FALSE (sounding[(size_t) note]) << "seed " << seed << ": note " << note << " left on";
-
-        if (testing::Test::HasFailure())
-            break;
+        const auto result = Orv::Testing::playArpSoak (seed);
+        ASSERT_TRUE (result.holds()) << result.describe (seed);
     }
 }
