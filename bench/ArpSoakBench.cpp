@@ -3,6 +3,9 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
 
 // The unit test's random play, over many more seeds than a test run can
 // afford: a soak for the rule that no note is struck while it sounds and that
@@ -12,12 +15,46 @@ namespace
 {
 constexpr int defaultSeeds = 2000;
 
+/** While it lives, the process's home is a fresh folder holding the
+    developer's folder on the desktop, as each unit test process's home does:
+    instances then start from their plain defaults rather than the factory's
+    default preset and sound, and so play exactly the unit test's scenario.
+    The home from before comes back afterwards, for the other benchmarks. */
+class PlainDefaultsHome
+{
+public:
+    PlainDefaultsHome()
+    {
+        if (const auto* before = std::getenv ("HOME"))
+            previous = before;
+        home.getChildFile ("Desktop").getChildFile ("TrevalisDev").getChildFile ("Presets").createDirectory();
+        setenv ("HOME", home.getFullPathName().toRawUTF8(), 1);
+    }
+
+    ~PlainDefaultsHome()
+    {
+        if (previous.has_value())
+            setenv ("HOME", previous->c_str(), 1);
+        else
+            unsetenv ("HOME");
+        home.deleteRecursively();
+    }
+
+    PlainDefaultsHome (const PlainDefaultsHome&) = delete;
+    PlainDefaultsHome& operator= (const PlainDefaultsHome&) = delete;
+
+private:
+    std::optional<std::string> previous;
+    juce::File home { juce::File::createTempFile ("halvane-soak-home") };
+};
+
 /** Every seed once per iteration; the first seed that breaks the rule fails
     the benchmark with its replay line. Reports seeds per second, and the
     audio played (stopped blocks included) as a multiple of real time. */
 void arpSoak (benchmark::State& benchState)
 {
     using Orv::Testing::ArpRig;
+    const PlainDefaultsHome home;
     const auto seeds = Orv::Testing::ArpSoakSeeds::fromEnvironment (defaultSeeds);
 
     int64_t seedsPlayed = 0;
