@@ -40,6 +40,7 @@ NoteScheduler::NoteScheduler()
     activeExtra.reserve (reservedItems);
     runningHeads.reserve (reservedItems);
     outMidi.ensureSize (Midi::NoteMessage::bufferBytes);
+    orderedMidi.ensureSize (Midi::NoteMessage::bufferBytes);
 }
 
 //==============================================================================
@@ -146,6 +147,7 @@ void NoteScheduler::run (const Audio::PlayHeadTransportView& piece,
     }
 
     sweepUnclaimedNotes();
+    settleInTimeOrder();
     firePulses (data, triggers, piece.getStart());
     updateHeads (piece.isPlaying());
 }
@@ -214,6 +216,51 @@ void NoteScheduler::sweepUnclaimedNotes()
                 endNote (slot, note, 0);
         }
     }
+}
+
+void NoteScheduler::settleInTimeOrder()
+{
+    // Steps are visited in list order, but the output is heard in time order:
+    // overlapping steps on one row may end it in the list after starting it
+    // in time. Replaying the output in time order, as a receiver will, keeps
+    // exactly one note on per row, and the table is set to what the receiver
+    // ends up with, so that a later end or sweep really ends it.
+    orderedMidi.clear();
+
+    for (const auto event : outMidi)
+    {
+        if (! Midi::NoteMessage::isNoteOnOrOff (event.data))
+        {
+            orderedMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+            continue;
+        }
+
+        const auto channel = Midi::NoteMessage::channelOf (event);
+        const auto note = Midi::NoteMessage::noteOf (event);
+        auto& on = sounding[tableIndex (channel, note)];
+
+        if (Midi::NoteMessage::isNoteOn (event))
+        {
+            // A second start of a sounding row strikes it anew.
+            if (on)
+                Midi::NoteMessage::addNoteOff (orderedMidi, channel, note, 0, event.samplePosition);
+            orderedMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+            on = true;
+        }
+        else if (on)
+        {
+            orderedMidi.addEvent (event.data, event.numBytes, event.samplePosition);
+            on = false;
+        }
+
+        auto& slot = noteTable[tableIndex (channel, note)];
+        if (! on)
+            slot.state = off;
+        else if (slot.state == off)
+            slot.state = onNotYetSeen;
+    }
+
+    outMidi.swapWith (orderedMidi);
 }
 
 void NoteScheduler::firePulses (const PatternData& data, std::vector<TriggerRecord>& triggers, int pieceStart)

@@ -92,6 +92,7 @@ private:
     void endNote (NoteSlot& slot, int note, int sample);
     void endNotesOnTimeGoingBack();
     void sweepUnclaimedNotes();
+    void settleInTimeOrder();
     void firePulses (const PatternData& data, std::vector<TriggerRecord>& triggers, int pieceStart);
     void updateHeads (bool playing);
 
@@ -100,6 +101,10 @@ private:
     TimedHeads activeHeads;
     TimedHeads activeExtra;
     juce::MidiBuffer outMidi;
+    juce::MidiBuffer orderedMidi;
+    /** What a receiver of the output has on: the truth the table must end
+        each piece agreeing with. */
+    std::array<bool, Midi::NoteMessage::numChannels * Midi::NoteMessage::numNotes> sounding {};
     std::array<NoteSlot, Midi::NoteMessage::numChannels * Midi::NoteMessage::numNotes> noteTable {};
     TimedHeads runningHeads;
     juce::Random random;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -198,9 +199,24 @@ inline ArpSoakResult playArpSoak (int seed)
 
     ArpSoakResult result;
     std::array<bool, 128> sounding {};
+    // HALVANE_ARP_TRACE prints every block and what came out, for a replay.
+    const auto trace = std::getenv ("HALVANE_ARP_TRACE") != nullptr;
     auto play = [&] (int n, const std::vector<Played>& events) {
         const auto from = rig.words.size();
+        if (trace)
+        {
+            std::printf ("block %d at %lld %s:", n, (long long) rig.time, rig.playing ? "playing" : "stopped");
+            for (const auto& e : events)
+                std::printf (" %s%d@%d", e.message.isNoteOn() ? "+" : "-", e.message.getNoteNumber(), e.sample);
+            std::printf ("\n");
+        }
         rig.block (n, events);
+        if (trace)
+        {
+            for (auto i = from; i < rig.words.size(); ++i)
+                std::printf ("  %s", rig.words[i].c_str());
+            std::printf ("\n");
+        }
         ++result.blocks;
         result.samples += n;
 

@@ -55,6 +55,20 @@ TEST_F (NoteSchedulerTest, ANewStepOnTheSameRowCutsTheOld)
     EXPECT_EQ (runFrom (0.0, 32), Words ({ "+1:64@0", "-1:64@16", "+1:64@16" }));
 }
 
+TEST_F (NoteSchedulerTest, OverlappingStepsOnOneRowComeOutInTimeOrderAndTheStopEndsWhatSounds)
+{
+    // In list order the step that ends inside the piece comes last, after a
+    // later start on its row: heard in time order the row is on at the end
+    // of the piece, and the scheduler must know it.
+    data.notes = { makeStep (0.0, 4.0), makeStep (1.5, 2.5), makeStep (0.0, 1.25) };
+    runFrom (0.0);
+    EXPECT_EQ (runFrom (1.0), Words ({ "-1:64@4", "+1:64@8" }));
+    EXPECT_NE (scheduler.getNoteState (1, 64), NoteScheduler::off);
+
+    data.notes.clear();
+    EXPECT_EQ (runFrom (2.0, 16, false), Words ({ "-1:64@0" }));
+}
+
 TEST_F (NoteSchedulerTest, AStepOfLengthZeroStartsAndEndsAtOneSampleAndLeavesNothingHanging)
 {
     data.notes = { makeStep (0.5, 0.0) };
