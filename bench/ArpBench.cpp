@@ -28,6 +28,8 @@ void arpBlock (benchmark::State& benchState)
     using namespace Orv::Audio::Plugins::Halvane;
 
     Processor processor;
+    // The arp alone: whatever sound the instance starts with stays silent.
+    *processor.getState().synth.synthEnable = false;
     auto& sequencer = processor.getState().sequencer;
     auto& steps = sequencer.patterns[0]->sequence.steps;
     steps.clear();
